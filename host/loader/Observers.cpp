@@ -1,0 +1,101 @@
+#include "Observers.h"
+
+#include "Report.h"
+
+#include <atomic>
+#include <cstring>
+#include <type_traits>
+
+namespace android::rig {
+
+namespace {
+
+// To count one more call at the driver add a row: entry, counter.
+#define ORVEL_COUNTED_EGL(X)                                                                                           \
+    X(eglSwapBuffers, DRIVER_SWAPS)                                                                                    \
+    X(eglSwapBuffersWithDamageEXT, DRIVER_SWAPS)                                                                       \
+    X(eglSwapBuffersWithDamageKHR, DRIVER_SWAPS)
+
+egl_t sDriverEgl{}; // what the observers call; written at the start
+GlTable sDriverGl{};
+
+/** Passes the call on and counts it, if it did not answer false. */
+template <auto Slot, Counter kCounter>
+struct CountedEgl;
+template <typename R, typename... Params, R (*egl_t::*Slot)(Params...), Counter kCounter>
+struct CountedEgl<Slot, kCounter> {
+    static R EGLAPIENTRY call(Params... params) {
+        const R result = (sDriverEgl.*Slot)(params...);
+        if (result) {
+            count(kCounter);
+        }
+        return result;
+    }
+};
+
+/** What a compiler reads of the strings: each up to its length or its end, the whole up to the first NUL. */
+std::string shaderText(GLsizei count, const GLchar* const* string, const GLint* length) {
+    std::string text;
+    for (GLsizei i = 0; string && i < count; ++i) {
+        if (string[i]) {
+            text.append(string[i], length && length[i] >= 0 ? static_cast<size_t>(length[i]) : std::strlen(string[i]));
+        }
+    }
+    return text.substr(0, text.find('\0'));
+}
+
+thread_local ShaderTextScope* tShaderText = nullptr;
+
+void GL_APIENTRY observeShaderSource(GLuint shader, GLsizei count, const GLchar* const* string, const GLint* length) {
+    if (tShaderText) {
+        tShaderText->arrived(shader, count, string, length);
+    }
+    sDriverGl.glShaderSource(shader, count, string, length);
+}
+
+} // namespace
+
+void observe(GlTable* gl, egl_t* egl) {
+    sDriverGl = *gl;
+    sDriverEgl = *egl;
+    if (gl->glShaderSource) {
+        gl->glShaderSource = observeShaderSource;
+    }
+#define ORVEL_OBSERVE(name, counter)                                                                                   \
+    if (egl->name) {                                                                                                   \
+        egl->name = CountedEgl<&egl_t::name, counter>::call;                                                           \
+    }
+    ORVEL_COUNTED_EGL(ORVEL_OBSERVE)
+#undef ORVEL_OBSERVE
+}
+
+ShaderTextScope::ShaderTextScope(GLuint shader, GLsizei count, const GLchar* const* string, const GLint* length)
+    : mShader(shader),
+      mText(isReporting() ? shaderText(count, string, length) : std::string()) {
+    rig::count(SHADERS);
+    if (isReporting()) {
+        tShaderText = this;
+    }
+}
+
+ShaderTextScope::~ShaderTextScope() { tShaderText = nullptr; }
+
+void ShaderTextScope::arrived(GLuint shader, GLsizei count, const GLchar* const* string, const GLint* length) {
+    if (shader != mShader) {
+        return; // the library's own
+    }
+    const std::string text = shaderText(count, string, length);
+    if (text == mText) {
+        return;
+    }
+    rig::count(SHADERS_REWRITTEN);
+    static std::atomic_flag first = ATOMIC_FLAG_INIT;
+    if (!first.test_and_set(std::memory_order_relaxed)) {
+        rig::count(SHADER_BYTES_BEFORE, mText.size());
+        rig::count(SHADER_BYTES_AFTER, text.size());
+        writeBesideReport("shader-before", ".glsl", mText);
+        writeBesideReport("shader-after", ".glsl", text);
+    }
+}
+
+} // namespace android::rig

@@ -1,0 +1,138 @@
+// orvel-set: rewrites a watched file of a root, as a device's system does while a game runs.
+#include "SystemRoot.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <fcntl.h>
+#include <fstream>
+#include <functional>
+#include <map>
+#include <sstream>
+#include <string>
+#include <unistd.h>
+#include <vector>
+
+namespace {
+
+using Values = std::vector<std::string>;
+
+constexpr char kUsage[] = "usage: orvel-set ROOT NAME VALUE...\n"
+                          "  scene ID                        the game's scene\n"
+                          "  quality LEVEL                   its picture quality\n"
+                          "  picture KEY VALUE               any of its picture settings\n"
+                          "  vrs LEVEL                       shading level\n"
+                          "  window small|full               small-window mode\n"
+                          "  filter TYPE STRENGTH DARKEDGE   colour filter\n"
+                          "  info LINE                       one line of the game-information file, as it stands\n";
+
+bool isNumber(const std::string& text) {
+    char* end = nullptr;
+    std::strtol(text.c_str(), &end, 10);
+    return !text.empty() && *end == '\0';
+}
+
+/** Values for the game-information file: what line they make for a package, and which older line it replaces. */
+struct Setting {
+    size_t values;
+    std::function<std::string(const std::string& package, const Values&)> line;
+    size_t keyWords; // a line that agrees in so many first words is replaced
+};
+
+const std::map<std::string, Setting> kSettings = {
+    {"scene", {1, [](const auto& package, const auto& v) { return "1 " + package + " " + v[0]; }, 2}},
+    {"quality", {1, [](const auto& package, const auto& v) { return "2 " + package + " 8 " + v[0]; }, 3}},
+    {"picture", {2, [](const auto& package, const auto& v) { return "2 " + package + " " + v[0] + " " + v[1]; }, 3}},
+    {"vrs", {1, [](const auto& package, const auto& v) { return "3 " + package + " " + v[0]; }, 2}},
+    {"window", {1, [](const auto& package, const auto& v) { return "4 " + package + " " + v[0]; }, 2}},
+    {"filter",
+     {3, [](const auto& package, const auto& v) { return "5 " + package + " " + v[0] + " " + v[1] + " " + v[2]; }, 2}},
+};
+
+std::string firstWords(const std::string& line, size_t count) {
+    std::istringstream words(line);
+    std::string word;
+    std::string joined;
+    for (size_t i = 0; i < count && words >> word; ++i) {
+        joined += word + " ";
+    }
+    return joined;
+}
+
+/**
+ * Rewrites a file in place: it is watched by its inode, so it must not be replaced by a new one. The new text is
+ * written over the old before the rest is cut off, so a reader in between never finds an empty file.
+ */
+bool rewrite(const std::string& path, const std::string& content) {
+    const int fd = open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0644);
+    if (fd < 0) {
+        return false;
+    }
+    const bool written = write(fd, content.data(), content.size()) == static_cast<ssize_t>(content.size()) &&
+                         ftruncate(fd, static_cast<off_t>(content.size())) == 0;
+    return close(fd) == 0 && written;
+}
+
+int usage(const std::string& problem) {
+    std::fprintf(stderr, "orvel-set: %s\n%s", problem.c_str(), kUsage);
+    return 2;
+}
+
+int setGameInfo(const std::string& root, const std::string& line, size_t keyWords) {
+    const std::string path = root + orvel::host::kWatchedFolder + "gameInfo";
+    std::string content;
+    std::ifstream file(path);
+    for (std::string old; std::getline(file, old);) {
+        if (!old.empty() && firstWords(old, keyWords) != firstWords(line, keyWords)) {
+            content += old + "\n";
+        }
+    }
+    if (!rewrite(path, content + line + "\n")) {
+        std::fprintf(stderr, "orvel-set: cannot write %s: %s\n", path.c_str(), strerror(errno));
+        return 1;
+    }
+    std::printf("%s: %s\n", path.c_str(), line.c_str());
+    return 0;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    if (argc < 4) {
+        return usage("too few arguments");
+    }
+    const std::string root = argv[1];
+    const std::string name = argv[2];
+    Values values(argv + 3, argv + argc);
+    if (!orvel::host::prepareRoot(root)) {
+        return 1;
+    }
+    if (name == "info") {
+        std::string line;
+        for (const std::string& value : values) {
+            line += (line.empty() ? "" : " ") + value;
+        }
+        return setGameInfo(root, line, 2);
+    }
+    const auto setting = kSettings.find(name);
+    if (setting == kSettings.end()) {
+        return usage("unknown name " + name);
+    }
+    if (values.size() != setting->second.values) {
+        return usage(name + " takes " + std::to_string(setting->second.values) + " value(s)");
+    }
+    if (name == "window" && (values[0] == "small" || values[0] == "full")) {
+        values[0] = values[0] == "small" ? "1" : "0";
+    }
+    for (const std::string& value : values) {
+        if (!isNumber(value)) {
+            return usage("not a number: " + value);
+        }
+    }
+    std::string package;
+    std::getline(std::ifstream(root + "/orvel/package") >> std::ws, package);
+    if (package.empty()) {
+        return usage("no package: " + root + "/orvel/package is missing or empty (orvel run writes it)");
+    }
+    return setGameInfo(root, setting->second.line(package, values), setting->second.keyWords);
+}

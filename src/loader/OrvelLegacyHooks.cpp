@@ -1,0 +1,335 @@
+#include "loader/OrvelLegacyHooks.h"
+
+#include "legacy/FrameCapture.h"
+#include "legacy/OrvelBackbufferControl.h"
+#include "legacy/OrvelDRR.h"
+#include "legacy/OrvelSRControl.h"
+#include "legacy/SceneRecognizer.h"
+#include "legacy/ShaderReplace.h"
+#include "loader/OrvelThreadKey.h"
+#include "next/OrvelNext.h"
+#include "settings/OrvelPrefs.h"
+#include "settings/OrvelSettings.h"
+#include "settings/orvel_modify_params.h"
+
+#include <cstdint>
+#include <cstring>
+
+namespace android {
+
+gl_hooks_t gOrvelHooks{};
+decltype(platform_impl_t::eglSwapBuffers) gSwapbuffers = nullptr;
+
+namespace {
+
+namespace next = orvel::next;
+
+constexpr int kMarker = 0; // the pattern detectors read "0 elements" as a clear or an invalidation
+
+/** Rewrites a size through dynamic resolution when that is on, else through the Yuanshen sizes. */
+void modifySize(GLint& width, GLint& height) {
+    if (isOrvelDRREnable()) {
+        drrModifySizeParams(width, height);
+    } else {
+        modifyRenderPrecisionYuanshen(width, height, 0);
+    }
+}
+
+// ---- textures and framebuffers ------------------------------------------------------------------------
+
+void GL_APIENTRY hookGlTexParameteri(GLenum target, GLenum pname, GLint param) {
+    modifyAFValuePubg(pname, param);
+    next::gl.glTexParameteri(target, pname, param);
+}
+
+void GL_APIENTRY hookGlTexStorage2D(GLenum target, GLsizei levels, GLenum format, GLsizei width, GLsizei height) {
+    if (isOrvelDRREnable()) {
+        drrUpdateTexDetailMap(format, width, height); // the game's size; may switch dynamic resolution off
+        drrModifySizeParams(width, height);
+    } else {
+        modifyRenderPrecisionYuanshen(width, height, 1);
+    }
+    next::gl.glTexStorage2D(target, levels, format, width, height);
+}
+
+void GL_APIENTRY hookGlBindTexture(GLenum target, GLuint texture) {
+    if (isOrvelDRREnable()) {
+        drrMarkCurrentTexture(target, texture); // the game's own name, before it may be swapped
+        drrModifyBindedTexture(texture);
+    }
+    recognizeHkrpgTexture(texture);
+    updateTexSizeArr();
+    next::gl.glBindTexture(target, texture);
+}
+
+void GL_APIENTRY hookGlBindFramebuffer(GLenum target, GLuint framebuffer) {
+    if (isOrvelDRREnable()) {
+        drrMarkCurrentFramebuffer(target, framebuffer);
+    }
+    next::gl.glBindFramebuffer(target, framebuffer);
+}
+
+void GL_APIENTRY hookGlFramebufferTexture2D(GLenum target, GLenum attachment, GLenum textarget, GLuint texture,
+                                            GLint level) {
+    if (isOrvelDRREnable()) {
+        drrUpdateFramebufferDetailMap(attachment, texture);
+    }
+    next::gl.glFramebufferTexture2D(target, attachment, textarget, texture, level);
+}
+
+void GL_APIENTRY hookGlDeleteTextures(GLsizei n, const GLuint* textures) {
+    if (isOrvelDRREnable()) {
+        drrDeleteTextures(n, textures);
+    }
+    next::gl.glDeleteTextures(n, textures);
+}
+
+void GL_APIENTRY hookGlDeleteFramebuffers(GLsizei n, const GLuint* framebuffers) {
+    if (isOrvelDRREnable()) {
+        drrDeleteFramebuffers(n, framebuffers);
+    }
+    next::gl.glDeleteFramebuffers(n, framebuffers);
+}
+
+void GL_APIENTRY hookGlActiveTexture(GLenum texture) {
+    next::gl.glActiveTexture(texture);
+    if (isOrvelDRREnable()) {
+        drrActiveTexture(texture);
+    }
+}
+
+// ---- rectangles ---------------------------------------------------------------------------------------
+
+void GL_APIENTRY hookGlViewport(GLint x, GLint y, GLsizei width, GLsizei height) {
+    modifySize(width, height);
+    next::gl.glViewport(x, y, width, height);
+}
+
+void GL_APIENTRY hookGlScissor(GLint x, GLint y, GLsizei width, GLsizei height) {
+    modifySize(width, height);
+    next::gl.glScissor(x, y, width, height);
+}
+
+void GL_APIENTRY hookGlBlitFramebuffer(GLint srcX0, GLint srcY0, GLint srcX1, GLint srcY1, GLint dstX0, GLint dstY0,
+                                       GLint dstX1, GLint dstY1, GLbitfield mask, GLenum filter) {
+    // Deliberately the far corners alone: a game's whole-target blits start at the origin.
+    modifySize(srcX1, srcY1);
+    modifySize(dstX1, dstY1);
+    next::gl.glBlitFramebuffer(srcX0, srcY0, srcX1, srcY1, dstX0, dstY0, dstX1, dstY1, mask, filter);
+}
+
+// ---- draws and clears ---------------------------------------------------------------------------------
+
+void GL_APIENTRY hookGlDrawArrays(GLenum mode, GLint first, GLsizei count) {
+    modifyShadingRate();
+    next::gl.glDrawArrays(mode, first, count);
+}
+
+void GL_APIENTRY hookGlDrawElements(GLenum mode, GLsizei count, GLenum type, const void* indices) {
+    modifyShadingRate();
+    checkBossPattern(); // before this draw's count joins the history
+    updateEleCountArr(count);
+    checkTransferPattern(count);
+    checkLaunchPattern(count);
+    checkTransferPatternHP(count);
+    orvel::OrvelSRControl::getInstance().hookForPostprocess();
+    next::gl.glDrawElements(mode, count, type, indices);
+}
+
+void GL_APIENTRY hookGlDrawElementsBaseVertex(GLenum mode, GLsizei count, GLenum type, const void* indices,
+                                              GLint basevertex) {
+    checkTransferPattern(count);
+    checkLaunchPattern(count);
+    checkTransferPatternHP(count);
+    next::gl.glDrawElementsBaseVertex(mode, count, type, indices, basevertex);
+}
+
+void GL_APIENTRY hookGlClear(GLbitfield mask) {
+    checkTransferPattern(kMarker); // deliberate: whatever the mask
+    checkLaunchPattern(kMarker);
+    next::gl.glClear(mask);
+}
+
+void GL_APIENTRY hookGlInvalidateFramebuffer(GLenum target, GLsizei numAttachments, const GLenum* attachments) {
+    checkTransferPatternHP(kMarker);
+    next::gl.glInvalidateFramebuffer(target, numAttachments, attachments);
+}
+
+// ---- programs, uniforms, labels -----------------------------------------------------------------------
+
+void GL_APIENTRY hookShaderSource(GLuint shader, GLsizei count, const GLchar* const* string, const GLint* length) {
+    if (count == 1 && string) {
+        updateShaderCode(shader, count, string);
+    }
+    next::gl.glShaderSource(shader, count, string, length);
+}
+
+void GL_APIENTRY hookGlUseProgram(GLuint program) {
+    next::gl.glUseProgram(program);
+    if (isOrvelDRREnable()) {
+        drrMarkCurrentProgram(program);
+    }
+}
+
+void GL_APIENTRY hookGlUniform4fv(GLint location, GLsizei count, const GLfloat* value) {
+    constexpr int kVec4 = 4;
+    GLfloat copy[4 * kVec4]; // the game's array is never written
+    if (value && count == 1) {
+        std::memcpy(copy, value, kVec4 * sizeof(GLfloat));
+        if (isOrvelDRREnable()) {
+            drrModifyShaderUniform4fv_1(location, copy);
+        } else {
+            modifyRenderPrecisionYuanshenShaderUniform(1, copy); // deliberately the count, not the location
+        }
+        value = copy;
+    } else if (value && count == 4 && !isOrvelDRREnable() && fixPostprocessLowIssue()) {
+        std::memcpy(copy, value, sizeof copy);
+        modifyPostprocessLowParam(copy);
+        value = copy;
+    }
+    next::gl.glUniform4fv(location, count, value);
+}
+
+void GL_APIENTRY hookGlUniform2uiv(GLint location, GLsizei count, const GLuint* value) {
+    if (count != 1 || !value) {
+        next::gl.glUniform2uiv(location, count, value);
+        return;
+    }
+    GLint size[2];
+    std::memcpy(size, value, sizeof size);
+    modifyRenderPrecisionYuanshen(size[0], size[1], 0); // whether dynamic resolution is on or not
+    GLuint copy[2];
+    std::memcpy(copy, size, sizeof copy);
+    next::gl.glUniform2uiv(location, 1, copy);
+}
+
+/**
+ * A label as the features compare it: zero-terminated. A game may pass a length and no terminator; such a label is
+ * copied. One that does not fit is longer than any that a feature knows and reads as no label they know.
+ */
+class TerminatedLabel {
+public:
+    TerminatedLabel(GLsizei length, const GLchar* label) : mText(label) {
+        if (label && length > 0) {
+            const size_t copied = strnlen(label, std::min<size_t>(static_cast<size_t>(length), sizeof mCopy - 1));
+            std::memcpy(mCopy, label, copied);
+            mCopy[copied] = '\0';
+            mText = mCopy;
+        }
+    }
+    const char* get() const { return mText; }
+
+private:
+    char mCopy[128];
+    const char* mText;
+};
+
+void GL_APIENTRY hookGlLabelObjectEXT(GLenum type, GLuint object, GLsizei length, const GLchar* label) {
+    if (const TerminatedLabel text(length, label); text.get()) {
+        markHkrpgTexture(object, text.get());
+        if (isOrvelDRREnable()) {
+            drrMarkLabelObject(object, text.get());
+        }
+        orvel::OrvelSRControl::getInstance().recordFSRProgramByProgramLabel(type, object, text.get());
+    }
+    next::gl.glLabelObjectEXT(type, object, length, label);
+}
+
+// ---- read-back ----------------------------------------------------------------------------------------
+
+/** Spelt so on purpose; others know the hook by this name. */
+void GL_APIENTRY hppkGlReadPixels(GLint x, GLint y, GLsizei width, GLsizei height, GLenum format, GLenum type,
+                                  void* pixels) {
+    if (processGameCapture(x, y, width, height, format, type, pixels)) {
+        return; // served from a copy at the size that the game asked for
+    }
+    next::gl.glReadPixels(x, y, width, height, format, type, pixels);
+}
+
+// ---- EGL ----------------------------------------------------------------------------------------------
+
+EGLBoolean EGLAPIENTRY hookEglSwapBuffers(EGLDisplay display, EGLSurface surface) {
+    saveFrame(display, surface);
+    const EGLBoolean swapped = next::platform.eglSwapBuffers(display, surface);
+    onEglSwapBuffersEnd();
+    const EGLBoolean answer = swapFrame(display, surface, swapped);
+    orvel::OrvelSRControl::getInstance().doGameSuperResolution();
+    return answer;
+}
+
+EGLBoolean EGLAPIENTRY hookSGameEglSwapBuffers(EGLDisplay display, EGLSurface surface) {
+    saveFrame(display, surface);
+    return swapFrame(display, surface, gSwapbuffers(display, surface));
+}
+
+EGLSurface EGLAPIENTRY hookEglCreateWindowSurface(EGLDisplay display, EGLConfig config, EGLNativeWindowType window,
+                                                  const EGLint* attribList) {
+    const auto* prefs = orvel::OrvelSettings::getInstance().mPrefs;
+    if (prefs && prefs->mBackbufferSizeValid) {
+        // A window is a pointer on a device and may be a number elsewhere.
+        orvel::OrvelBackbufferControl::getInstance().updateANativeWindow(
+            reinterpret_cast<ANativeWindow*>(uintptr_t(window)));
+    }
+    return next::platform.eglCreateWindowSurface(display, config, window, attribList);
+}
+
+} // namespace
+
+// The hooked entries, in the order in which they are written. A hook of another signature does not compile.
+#define ORVEL_LEGACY_GL(X)                                                                                             \
+    X(glTexParameteri, hookGlTexParameteri)                                                                            \
+    X(glTexStorage2D, hookGlTexStorage2D)                                                                              \
+    X(glViewport, hookGlViewport)                                                                                      \
+    X(glDrawArrays, hookGlDrawArrays)                                                                                  \
+    X(glBindTexture, hookGlBindTexture)                                                                                \
+    X(glDrawElements, hookGlDrawElements)                                                                              \
+    X(glDrawElementsBaseVertex, hookGlDrawElementsBaseVertex)                                                          \
+    X(glClear, hookGlClear)                                                                                            \
+    X(glScissor, hookGlScissor)                                                                                        \
+    X(glBlitFramebuffer, hookGlBlitFramebuffer)                                                                        \
+    X(glInvalidateFramebuffer, hookGlInvalidateFramebuffer)                                                            \
+    X(glUniform4fv, hookGlUniform4fv)                                                                                  \
+    X(glShaderSource, hookShaderSource)                                                                                \
+    X(glBindFramebuffer, hookGlBindFramebuffer)                                                                        \
+    X(glFramebufferTexture2D, hookGlFramebufferTexture2D)                                                              \
+    X(glDeleteTextures, hookGlDeleteTextures)                                                                          \
+    X(glDeleteFramebuffers, hookGlDeleteFramebuffers)                                                                  \
+    X(glLabelObjectEXT, hookGlLabelObjectEXT)                                                                          \
+    X(glUseProgram, hookGlUseProgram)                                                                                  \
+    X(glActiveTexture, hookGlActiveTexture)                                                                            \
+    X(glUniform2uiv, hookGlUniform2uiv)                                                                                \
+    X(glReadPixels, hppkGlReadPixels)
+
+void installOrvelHooks(gl_hooks_t* table) {
+#define ORVEL_WRITE(entry, hook) table->gl.entry = hook;
+    ORVEL_LEGACY_GL(ORVEL_WRITE)
+#undef ORVEL_WRITE
+}
+
+void installVoHooks(egl_connection_t* cnx) {
+    installOrvelHooks(cnx->hooks[egl_connection_t::GLESv2_INDEX]);
+    cnx->platform.eglSwapBuffers = hookEglSwapBuffers;
+    cnx->platform.eglCreateWindowSurface = hookEglCreateWindowSurface;
+}
+
+void installOrvelPUBGHooks(gl_hooks_t* table) { table->gl.glTexParameteri = hookGlTexParameteri; }
+
+void installOrvelSGAMEHooks(egl_connection_t* cnx) {
+    gSwapbuffers = cnx->platform.eglSwapBuffers;
+    cnx->platform.eglSwapBuffers = hookSGameEglSwapBuffers;
+}
+
+gl_hooks_t* getOrvelHooks() {
+    gOrvelHooks = *static_cast<const gl_hooks_t*>(orvel::getThreadSpecific());
+    installOrvelHooks(&gOrvelHooks);
+    return &gOrvelHooks;
+}
+
+__attribute__((visibility("default"))) void onEglSwapBuffersEnd() {
+    if (isOrvelDRREnable()) {
+        drrOnEglSwapBuffersEnd();
+    }
+    recognizeHkrpgScene();
+}
+
+} // namespace android

@@ -1,0 +1,244 @@
+#include "settings/GameInfoMonitor.h"
+
+#include "base/OrvelLog.h"
+#include "base/OrvelPaths.h"
+#include "settings/OrvelDebugProperty.h"
+
+#include <cerrno>
+#include <cstring>
+#include <exception>
+#include <fstream>
+#include <sstream>
+#include <sys/inotify.h>
+#include <unistd.h>
+#include <utility>
+
+namespace android {
+
+namespace {
+
+constexpr char kGameInfoPath[] = "/data/system/mcd/gameInfo";
+
+enum InfoType {
+    INFO_SCENE_ID = 1,
+    INFO_PICTURE = 2,
+    INFO_VRS_LEVEL = 3,
+    INFO_COMMON_VRS = 4,
+    INFO_FILTER = 5,
+};
+
+constexpr int kPictureKeyImageQuality = 8;
+constexpr int kPictureKey10 = 10;
+constexpr int kPictureKey54 = 54;
+
+bool failed(const char* format) {
+    ORVEL_LOGE(format, strerror(errno));
+    return false;
+}
+
+} // namespace
+
+GameInfoMonitor& GameInfoMonitor::getInstance() {
+    static GameInfoMonitor monitor;
+    return monitor;
+}
+
+GameInfoMonitor::GameInfoMonitor() : mDebug(orvel::isDebugPropertySet()) {
+    ORVEL_LOGI("Orvel GameInfoMonitor construct");
+}
+
+GameInfoMonitor::~GameInfoMonitor() {
+    // The thread may still sit in read(): it ends with the process, which is all that destroys the monitor.
+    if (mWatchFd != -1) {
+        inotify_rm_watch(mInotifyFd, mWatchFd);
+    }
+    if (mInotifyFd != -1) {
+        close(mInotifyFd);
+    }
+    ORVEL_LOGI("Orvel GameInfoMonitor destroyed");
+}
+
+void GameInfoMonitor::start() {
+    if (mStarted) {
+        return;
+    }
+    if (mInotifyFd == -1) {
+        mInotifyFd = inotify_init();
+    }
+    if (mWatchFd == -1) {
+        mWatchFd = inotify_add_watch(mInotifyFd, orvel::systemPath(kGameInfoPath).c_str(), IN_CLOSE_WRITE);
+    }
+    if (mInotifyFd == -1 || mWatchFd == -1) {
+        ORVEL_LOGE("Orvel fail to use INO for game info: %s", strerror(errno));
+        return;
+    }
+    mRunning = true;
+    if (pthread_create(&mThread, nullptr, threadProcess, this) != 0) {
+        ORVEL_LOGE("Orvel create game info monitor thread failed");
+        return;
+    }
+    pthread_setname_np(mThread, "GIM_thread");
+    pthread_detach(mThread); // nobody joins it: it lives until the process ends
+    mStarted = true;
+}
+
+void* GameInfoMonitor::threadProcess(void* self) {
+    static_cast<GameInfoMonitor*>(self)->eventProcess();
+    return nullptr;
+}
+
+void GameInfoMonitor::eventProcess() {
+    if (!mRunning) {
+        return;
+    }
+    ORVEL_LOGD_IF(mDebug, "start GameInfoMonitor thread");
+    for (;;) {
+        // Valid while the thread runs: it is opened before the thread is made and closed when the process ends.
+        mReadLength = static_cast<int32_t>(read(mInotifyFd, mEvents, sizeof mEvents));
+        if (mReadLength < 1) {
+            continue;
+        }
+        try {
+            updateGameInfo();
+        } catch (const std::exception& error) { // a line larger than memory
+            ORVEL_LOGE("Orvel reading game info failed: %s", error.what());
+        }
+        mReadLength = -1;
+    }
+}
+
+void GameInfoMonitor::updateGameInfo() {
+    std::ifstream file(orvel::systemPath(kGameInfoPath));
+    if (!file) {
+        ORVEL_LOGE("Orvel open scendId path error: %s", strerror(errno)); // known by this text, whatever was opened
+        return;
+    }
+    std::string text;
+    while (std::getline(file, text)) {
+        if (mDebug) {
+            ORVEL_LOGI("gameInfo changed: %s", text.c_str());
+        }
+        std::istringstream line(text);
+        if (!applyLine(line)) {
+            return;
+        }
+    }
+}
+
+/** @return false when the line is malformed: what follows it in the file is then not trusted either */
+bool GameInfoMonitor::applyLine(std::istream& line) {
+    int type = 0;
+    if (!(line >> type)) {
+        return failed("Orvel parse game infoType error: %s");
+    }
+    std::string package;
+    int value = 0;
+    switch (type) {
+    case INFO_SCENE_ID:
+        if (!(line >> package >> value)) {
+            return failed("parse game sceneId error: %s");
+        }
+        parseGameSceneId(std::move(package), value);
+        return true;
+    case INFO_PICTURE: {
+        // Deliberate: picture information and shading level are taken whatever package the line names.
+        int key = 0;
+        if (!(line >> package >> key >> value)) {
+            return failed("parse game pictureInfo error: %s");
+        }
+        parseGamePictureInfo(key, value);
+        return true;
+    }
+    case INFO_VRS_LEVEL:
+        if (!(line >> package >> value)) {
+            return failed("parse game vrsLevel error: %s");
+        }
+        parseGameVrsLevel(value);
+        return true;
+    case INFO_COMMON_VRS:
+        if (!(line >> package >> value)) {
+            return failed("parse commonVrs error: %s");
+        }
+        parseCommonVrs(std::move(package), value);
+        return true;
+    case INFO_FILTER: {
+        int strength = 0;
+        int darkEdge = 0;
+        if (!(line >> package >> value >> strength >> darkEdge)) {
+            return failed("parse filter config error: %s");
+        }
+        parseFilterConfig(std::move(package), value, strength, darkEdge);
+        return true;
+    }
+    default:
+        ORVEL_LOGE("unknown game info type: %d", type);
+        return true;
+    }
+}
+
+void GameInfoMonitor::parseGameSceneId(std::string package, int id) {
+    if (mDebug) {
+        ORVEL_LOGI("parseGameSceneId: %s %d", package.c_str(), id);
+    }
+    if (isOwnPackage(package)) {
+        mGameInfo.mSceneId.store(id, std::memory_order_relaxed);
+    }
+}
+
+void GameInfoMonitor::parseGamePictureInfo(int key, int value) {
+    if (mDebug) {
+        ORVEL_LOGI("parseGamePictureInfo: %d %d", key, value);
+    }
+    switch (key) {
+    case kPictureKeyImageQuality:
+        mGameInfo.mImageQuality.store(value, std::memory_order_relaxed);
+        break;
+    case kPictureKey54:
+        mGameInfo.mPicKey54.store(value, std::memory_order_relaxed);
+        break;
+    case kPictureKey10:
+        mGameInfo.mPicKey10.store(value, std::memory_order_relaxed);
+        break;
+    default:
+        break;
+    }
+}
+
+void GameInfoMonitor::parseGameVrsLevel(int level) {
+    if (mDebug) {
+        ORVEL_LOGI("parseGameVrsLevel: %d", level);
+    }
+    mGameInfo.mVrsLevel.store(level, std::memory_order_relaxed);
+}
+
+void GameInfoMonitor::parseCommonVrs(std::string package, int value) {
+    if (mDebug) {
+        ORVEL_LOGI("parseCommonVrs: %s %d", package.c_str(), value);
+    }
+    if (isOwnPackage(package)) {
+        mGameInfo.mSmallWindow.store(value == 1, std::memory_order_relaxed);
+    }
+}
+
+void GameInfoMonitor::parseFilterConfig(std::string package, int type, int strength, int darkEdge) {
+    if (mDebug) {
+        ORVEL_LOGI("parseFilterConfig: %s %d %d %d", package.c_str(), type, strength, darkEdge);
+    }
+    if (isOwnPackage(package)) {
+        mGameInfo.mFilterType.store(type, std::memory_order_relaxed);
+        mGameInfo.mLutStrength.store(strength, std::memory_order_relaxed);
+        mGameInfo.mDarkEdge.store(darkEdge, std::memory_order_relaxed);
+    }
+}
+
+void GameInfoMonitor::setPackageName(const std::string& name) {
+    const std::lock_guard lock(mPackageMutex);
+    mPackageName = name;
+}
+
+bool GameInfoMonitor::isOwnPackage(const std::string& package) {
+    const std::lock_guard lock(mPackageMutex);
+    return !mPackageName.empty() && std::strcmp(mPackageName.c_str(), package.c_str()) == 0;
+}
+
+} // namespace android

@@ -1,0 +1,87 @@
+// What the legacy features of this process are set to. Plain variables: their hooks run on every draw and read nothing
+// else. Written by initGameSetting() before any hook is installed, and afterwards only by the feature named.
+#pragma once
+
+#include "settings/OrvelTexSize.h"
+
+#include <utils/StrongPointer.h>
+
+#include <atomic>
+#include <cstdint>
+#include <map>
+#include <vector>
+
+namespace android {
+
+namespace orvel {
+class OrvelDRR;
+}
+class SceneRecognizer;
+
+/** The minimaps by which Hkrpg's scenes are told apart. */
+enum HKRPG_SCENE : int32_t {
+    HKRPG_SCENE_NONE = 0,
+    HKRPG_SCENE_CITY = 1,
+    HKRPG_SCENE_X2 = 2,
+    HKRPG_SCENE_X21 = 3,
+    HKRPG_SCENE_SQUARE = 4,
+};
+
+extern bool orveldebug; // verbose logging
+
+extern bool mEnableScaleResolutionSize;
+extern int32_t mTargetTexWidthYuanshen;
+extern int32_t mTargetTexHeightYuanshen;
+extern float mTargetTexWidthYuanshenReciprocal;
+extern float mTargetTexHeightYuanshenReciprocal;
+extern int32_t mTargetTexWidthYuanshen80;
+extern int32_t mTargetTexHeightYuanshen80;
+
+extern bool mEnableShadingRate;
+extern int32_t mShadingRate;
+extern bool mEnableAFModify;
+extern int32_t mTargetAFValue;
+
+extern std::map<com::velmor::ravelo::TYPE_ADAPT_SET, std::vector<com::velmor::ravelo::TEX_SIZE>> mDeviceAdaptConfigMap;
+extern std::map<int32_t, std::vector<float>> mPostProcessLowParamsMap; // low width to 16 upscaling constants
+extern std::vector<float> mPostprocessLowParam;                        // the entry in use; written by the size rules
+extern com::velmor::ravelo::TEX_SIZE mGameSCSize;                      // size of the game's screenshots
+extern int32_t mShaderReplaceValue;
+
+extern bool mEnableYSSceneRecognize;
+extern bool mEnableYSTransferRecognize;
+extern bool mEnableYSLaunchRecognize;
+extern bool mEnableHkrpgSceneRecognize;
+extern bool mEnableHPTransferRecognize;
+extern sp<SceneRecognizer> mSceneRecognizer;                  // null unless one of the five is on
+extern std::map<HKRPG_SCENE, int32_t> mHkrpeMinmapTextureMap; // spelt so; texture names, written by recognition
+
+// Atomic: cleared for good by the thread that meets an illegal size, read by every hook. Read it relaxed.
+extern std::atomic<bool> mEnableDynamicResolution;
+extern orvel::OrvelDRR* mOrvelDRR; // never freed
+extern int32_t mDFIInterval;       // milliseconds, -1 off; rewritten by the frame-interval feature
+
+/**
+ * Identifies the process, asks the tuning service, fills the variables above and creates the feature objects that the
+ * answer asks for. Called for each createInstance, on the loader's initialising thread; a later call refreshes the
+ * variables and creates no object a second time. Without an answer everything taken from it is 0 or false.
+ */
+void initGameSetting();
+
+// Changes of GL parameters, called by the hooks. The games' rules are not there yet: all of them leave everything as
+// it is.
+
+/** Before each draw: sets the configured shading rate. */
+void modifyShadingRate();
+/** Caps the value when pname is the texture's anisotropy. */
+void modifyAFValuePubg(unsigned pname, int& value);
+/** Replaces the size of a render target. @param kind which call it comes from; log lines are written for 1 only */
+void modifyRenderPrecisionYuanshen(int& w, int& h, int kind);
+/** @return whether modifyPostprocessLowParam has work */
+bool fixPostprocessLowIssue();
+/** Rewrites upscaling constants. @param v 16 floats */
+void modifyPostprocessLowParam(float* v);
+/** Rewrites a screen-size uniform. @param v 4 * count floats */
+void modifyRenderPrecisionYuanshenShaderUniform(int count, float* v);
+
+} // namespace android

@@ -1,0 +1,35 @@
+# Shared by the program tests: a scratch folder, the launcher, a display that needs no screen.
+set -u
+: "${ORVEL:?the launcher}"
+scratch=$(mktemp -d)
+failed=0
+display=
+
+cleanup() {
+    [ -z "$display" ] || kill "$display" 2>/dev/null
+    rm -rf "$scratch"
+}
+trap cleanup EXIT
+
+fail() {
+    echo "FAILED: $*"
+    failed=1
+}
+
+start_display() {
+    # -noreset: the server must not start over when the last client of several leaves
+    Xvfb -displayfd 3 -screen 0 1280x720x24 -noreset -nolisten tcp 3>"$scratch/display" 2>"$scratch/xvfb.log" &
+    display=$!
+    for _ in $(seq 100); do
+        [ ! -s "$scratch/display" ] || break
+        sleep 0.1
+    done
+    [ -s "$scratch/display" ] || { cat "$scratch/xvfb.log"; echo "FAILED: no display"; exit 1; }
+    DISPLAY=:$(cat "$scratch/display")
+    export DISPLAY
+}
+
+replace_config() {
+    echo '{"configs": {"shader_replace_config": "1"}}' >"$scratch/replace.json"
+    echo "$scratch/replace.json"
+}
