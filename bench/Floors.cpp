@@ -3,7 +3,6 @@
 #include "settings/orvel_modify_params.h"
 
 #include <cstdlib>
-#include <cstring>
 
 using namespace android;
 namespace next = android::orvel::next;
@@ -75,16 +74,11 @@ void GL_APIENTRY floorDrawElements(GLenum mode, GLsizei count, GLenum type, cons
 }
 
 void GL_APIENTRY floorUniform4fv(GLint location, GLsizei count, const GLfloat* value) {
-    GLfloat copy[4];
-    if (count == 1) {
-        std::memcpy(copy, value, sizeof copy);
-        if (on(mEnableDynamicResolution)) {
-            feature();
-        }
-        if (mEnableScaleResolutionSize) {
-            feature();
-        }
-        value = copy;
+    if (on(mEnableDynamicResolution)) {
+        feature();
+    }
+    if (mEnableScaleResolutionSize) {
+        feature();
     }
     next::gl.glUniform4fv(location, count, value);
 }

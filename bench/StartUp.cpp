@@ -97,10 +97,11 @@ int main(int argc, char** argv) {
     stub->earlyInitOrvel(&connection);
     const double startMicros = microsSince(start);
     const Memory after = measure();
-    std::printf("%-26s dlopen %6.0f us, createInstance + earlyInitOrvel %6.0f us, private dirty +%ld KiB (%ld of it on "
-                "opening, packaged libraries with it), liborvel.so maps %ld KiB\n",
-                argc > 3 ? (stub->isEnabled() ? "enabled:" : "disabled by the service:") : "service absent:", openMicros,
-                startMicros, after.dirtyKib - before.dirtyKib, opened.dirtyKib - before.dirtyKib, after.mappedKib);
+    std::printf(
+        "%-26s dlopen %6.0f us, createInstance + earlyInitOrvel %6.0f us, private dirty +%ld KiB (%ld of it on "
+        "opening, packaged libraries with it), liborvel.so maps %ld KiB\n",
+        argc > 3 ? (stub->isEnabled() ? "enabled:" : "disabled by the service:") : "service absent:", openMicros,
+        startMicros, after.dirtyKib - before.dirtyKib, opened.dirtyKib - before.dirtyKib, after.mappedKib);
     std::fflush(stdout);
     std::filesystem::remove_all(process);
     _exit(0);

@@ -13,14 +13,3 @@ ORVEL_ASKED_BY_RUNTIME const char* __tsan_default_suppressions() {
     return "race:android::RefBase::decStrong\n"
            "race:android::RefBase::weakref_type::decWeak\n";
 }
-
-// Mesa and its compiler keep what they made until the process ends.
-ORVEL_ASKED_BY_RUNTIME const char* __lsan_default_suppressions() {
-    return "leak:libLLVM\n"
-           "leak:swrast_dri.so\n"
-           "leak:libEGL_mesa.so\n"
-           "leak:libGLdispatch.so\n"
-           "leak:libglapi.so\n"
-           "leak:libEGL.so.1.1.0\n";
-}
-ORVEL_ASKED_BY_RUNTIME const char* __lsan_default_options() { return "print_suppressions=0"; }

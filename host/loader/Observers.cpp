@@ -4,7 +4,7 @@
 
 #include <atomic>
 #include <cstring>
-#include <type_traits>
+#include <new>
 
 namespace android::rig {
 
@@ -70,11 +70,16 @@ void observe(GlTable* gl, egl_t* egl) {
 }
 
 ShaderTextScope::ShaderTextScope(GLuint shader, GLsizei count, const GLchar* const* string, const GLint* length)
-    : mShader(shader),
-      mText(isReporting() ? shaderText(count, string, length) : std::string()) {
+    : mShader(shader) {
     rig::count(SHADERS);
-    if (isReporting()) {
+    if (!isReporting()) {
+        return;
+    }
+    try {
+        mText = shaderText(count, string, length);
         tShaderText = this;
+    } catch (const std::bad_alloc&) {
+        // not compared, then; the program needs the memory more
     }
 }
 
@@ -84,7 +89,14 @@ void ShaderTextScope::arrived(GLuint shader, GLsizei count, const GLchar* const*
     if (shader != mShader) {
         return; // the library's own
     }
-    const std::string text = shaderText(count, string, length);
+    try {
+        compare(shaderText(count, string, length));
+    } catch (const std::bad_alloc&) {
+        // as above
+    }
+}
+
+void ShaderTextScope::compare(const std::string& text) const {
     if (text == mText) {
         return;
     }

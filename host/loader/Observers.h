@@ -22,6 +22,8 @@ public:
     void arrived(GLuint shader, GLsizei count, const GLchar* const* string, const GLint* length);
 
 private:
+    void compare(const std::string& text) const;
+
     GLuint mShader;
     std::string mText; // a copy: the program's own may be edited in place
 };

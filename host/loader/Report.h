@@ -20,8 +20,6 @@ bool isReporting();
 void count(Counter counter, uint64_t amount = 1);
 
 void reportValue(uint32_t ReportLayout::*field, uint32_t value);
-template <size_t N>
-void reportText(char (ReportLayout::*field)[N], std::string_view text);
 
 /** Notes what the library's start came to: enabled or why not, which entries it replaced. */
 void reportStart(const egl_connection_t& cnx, const egl_t& eglBefore, const platform_impl_t& platformBefore,
@@ -33,8 +31,10 @@ void reportRenderer(const GlTable& driver);
 /** Writes a text beside the report: orvel/<name>.<pid><suffix>. */
 void writeBesideReport(const std::string& name, const std::string& suffix, std::string_view text);
 
-// The file itself, and what the templates need of it.
+/** The file itself. */
 ReportLayout& report();
+
+/** Copies a text into a field of size bytes; one that is too long is cut. */
 void copyText(char* to, size_t size, std::string_view text);
 
 template <size_t N>

@@ -9,7 +9,8 @@ namespace orvel::host {
 
 bool prepareRoot(const std::string& root) {
     try {
-        for (const char* folder : {"/data/system/mcd", "/vendor/odm/etc/game/effect", "/dev/binder", "/proc", "/orvel"}) {
+        for (const char* folder :
+             {"/data/system/mcd", "/vendor/odm/etc/game/effect", "/dev/binder", "/proc", "/orvel"}) {
             std::filesystem::create_directories(root + folder);
         }
     } catch (const std::exception& error) {

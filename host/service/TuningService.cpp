@@ -48,7 +48,8 @@ std::optional<std::string> readFile(const std::string& path) {
 class TuningService {
 public:
     TuningService(std::string configs, const std::string& root)
-        : mConfigs(std::move(configs)), mJournal(root + "/orvel/service.jsonl", std::ios::app) {}
+        : mConfigs(std::move(configs)),
+          mJournal(root + "/orvel/service.jsonl", std::ios::app) {}
 
     status_t answer(uint32_t code, const Parcel& data, Parcel* reply) {
         if (text(data.readString16()) != kInterfaceToken) {
@@ -139,7 +140,8 @@ int main(int argc, char** argv) {
     std::printf("orvel-service: ready, configurations from %s\n", configs.c_str());
     std::fflush(stdout);
     TuningService service(configs, root);
-    android::desktop::serveClients(
-        listener, [&service](uint32_t code, const Parcel& data, Parcel* reply) { return service.answer(code, data, reply); });
+    android::desktop::serveClients(listener, [&service](uint32_t code, const Parcel& data, Parcel* reply) {
+        return service.answer(code, data, reply);
+    });
     return 0;
 }

@@ -6,7 +6,7 @@ namespace android::desktop {
 
 std::string underRoot(const std::string& path) {
     const char* root = std::getenv("ORVEL_ROOT");
-    return root ? std::string(root) + path : std::string();
+    return root && *root ? std::string(root) + path : std::string();
 }
 
 } // namespace android::desktop

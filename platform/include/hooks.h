@@ -8,6 +8,7 @@
 #include <EGL/egl.h>
 #include <EGL/eglext.h>
 #include <GLES3/gl32.h>
+
 #include <GLES2/gl2ext.h> // after gl32.h: it uses the core types
 
 namespace android {

@@ -43,11 +43,11 @@ private:
 } // namespace orvel
 
 /** Asked afresh by every hook: a game that shows an illegal size switches the feature off for good. */
-inline bool isOrvelDRREnable() { return mEnableDynamicResolution; }
+inline bool isOrvelDRREnable() { return mEnableDynamicResolution.load(std::memory_order_relaxed); }
 
 /** @return the instance when the feature is on and usable, else null */
 inline orvel::OrvelDRR* usableDRR() {
-    return mEnableDynamicResolution && mOrvelDRR && mOrvelDRR->isEnabled() ? mOrvelDRR : nullptr;
+    return isOrvelDRREnable() && mOrvelDRR && mOrvelDRR->isEnabled() ? mOrvelDRR : nullptr;
 }
 
 // What the hooks call; each forwards to the member of the same stem.

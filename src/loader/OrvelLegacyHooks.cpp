@@ -23,6 +23,10 @@ decltype(platform_impl_t::eglSwapBuffers) gSwapbuffers = nullptr;
 namespace {
 
 namespace next = orvel::next;
+using next::GlTable;
+
+// Out of line: the gate before a hook (see the table below) must need no stack frame.
+#define ORVEL_HOOK [[gnu::noinline]]
 
 constexpr int kMarker = 0; // the pattern detectors read "0 elements" as a clear or an invalidation
 
@@ -37,12 +41,13 @@ void modifySize(GLint& width, GLint& height) {
 
 // ---- textures and framebuffers ------------------------------------------------------------------------
 
-void GL_APIENTRY hookGlTexParameteri(GLenum target, GLenum pname, GLint param) {
+ORVEL_HOOK void GL_APIENTRY hookGlTexParameteri(GLenum target, GLenum pname, GLint param) {
     modifyAFValuePubg(pname, param);
     next::gl.glTexParameteri(target, pname, param);
 }
 
-void GL_APIENTRY hookGlTexStorage2D(GLenum target, GLsizei levels, GLenum format, GLsizei width, GLsizei height) {
+ORVEL_HOOK void GL_APIENTRY hookGlTexStorage2D(GLenum target, GLsizei levels, GLenum format, GLsizei width,
+                                               GLsizei height) {
     if (isOrvelDRREnable()) {
         drrUpdateTexDetailMap(format, width, height); // the game's size; may switch dynamic resolution off
         drrModifySizeParams(width, height);
@@ -52,7 +57,7 @@ void GL_APIENTRY hookGlTexStorage2D(GLenum target, GLsizei levels, GLenum format
     next::gl.glTexStorage2D(target, levels, format, width, height);
 }
 
-void GL_APIENTRY hookGlBindTexture(GLenum target, GLuint texture) {
+ORVEL_HOOK void GL_APIENTRY hookGlBindTexture(GLenum target, GLuint texture) {
     if (isOrvelDRREnable()) {
         drrMarkCurrentTexture(target, texture); // the game's own name, before it may be swapped
         drrModifyBindedTexture(texture);
@@ -62,36 +67,36 @@ void GL_APIENTRY hookGlBindTexture(GLenum target, GLuint texture) {
     next::gl.glBindTexture(target, texture);
 }
 
-void GL_APIENTRY hookGlBindFramebuffer(GLenum target, GLuint framebuffer) {
+ORVEL_HOOK void GL_APIENTRY hookGlBindFramebuffer(GLenum target, GLuint framebuffer) {
     if (isOrvelDRREnable()) {
         drrMarkCurrentFramebuffer(target, framebuffer);
     }
     next::gl.glBindFramebuffer(target, framebuffer);
 }
 
-void GL_APIENTRY hookGlFramebufferTexture2D(GLenum target, GLenum attachment, GLenum textarget, GLuint texture,
-                                            GLint level) {
+ORVEL_HOOK void GL_APIENTRY hookGlFramebufferTexture2D(GLenum target, GLenum attachment, GLenum textarget,
+                                                       GLuint texture, GLint level) {
     if (isOrvelDRREnable()) {
         drrUpdateFramebufferDetailMap(attachment, texture);
     }
     next::gl.glFramebufferTexture2D(target, attachment, textarget, texture, level);
 }
 
-void GL_APIENTRY hookGlDeleteTextures(GLsizei n, const GLuint* textures) {
+ORVEL_HOOK void GL_APIENTRY hookGlDeleteTextures(GLsizei n, const GLuint* textures) {
     if (isOrvelDRREnable()) {
         drrDeleteTextures(n, textures);
     }
     next::gl.glDeleteTextures(n, textures);
 }
 
-void GL_APIENTRY hookGlDeleteFramebuffers(GLsizei n, const GLuint* framebuffers) {
+ORVEL_HOOK void GL_APIENTRY hookGlDeleteFramebuffers(GLsizei n, const GLuint* framebuffers) {
     if (isOrvelDRREnable()) {
         drrDeleteFramebuffers(n, framebuffers);
     }
     next::gl.glDeleteFramebuffers(n, framebuffers);
 }
 
-void GL_APIENTRY hookGlActiveTexture(GLenum texture) {
+ORVEL_HOOK void GL_APIENTRY hookGlActiveTexture(GLenum texture) {
     next::gl.glActiveTexture(texture);
     if (isOrvelDRREnable()) {
         drrActiveTexture(texture);
@@ -100,18 +105,19 @@ void GL_APIENTRY hookGlActiveTexture(GLenum texture) {
 
 // ---- rectangles ---------------------------------------------------------------------------------------
 
-void GL_APIENTRY hookGlViewport(GLint x, GLint y, GLsizei width, GLsizei height) {
+ORVEL_HOOK void GL_APIENTRY hookGlViewport(GLint x, GLint y, GLsizei width, GLsizei height) {
     modifySize(width, height);
     next::gl.glViewport(x, y, width, height);
 }
 
-void GL_APIENTRY hookGlScissor(GLint x, GLint y, GLsizei width, GLsizei height) {
+ORVEL_HOOK void GL_APIENTRY hookGlScissor(GLint x, GLint y, GLsizei width, GLsizei height) {
     modifySize(width, height);
     next::gl.glScissor(x, y, width, height);
 }
 
-void GL_APIENTRY hookGlBlitFramebuffer(GLint srcX0, GLint srcY0, GLint srcX1, GLint srcY1, GLint dstX0, GLint dstY0,
-                                       GLint dstX1, GLint dstY1, GLbitfield mask, GLenum filter) {
+ORVEL_HOOK void GL_APIENTRY hookGlBlitFramebuffer(GLint srcX0, GLint srcY0, GLint srcX1, GLint srcY1, GLint dstX0,
+                                                  GLint dstY0, GLint dstX1, GLint dstY1, GLbitfield mask,
+                                                  GLenum filter) {
     // Deliberately the far corners alone: a game's whole-target blits start at the origin.
     modifySize(srcX1, srcY1);
     modifySize(dstX1, dstY1);
@@ -120,12 +126,12 @@ void GL_APIENTRY hookGlBlitFramebuffer(GLint srcX0, GLint srcY0, GLint srcX1, GL
 
 // ---- draws and clears ---------------------------------------------------------------------------------
 
-void GL_APIENTRY hookGlDrawArrays(GLenum mode, GLint first, GLsizei count) {
+ORVEL_HOOK void GL_APIENTRY hookGlDrawArrays(GLenum mode, GLint first, GLsizei count) {
     modifyShadingRate();
     next::gl.glDrawArrays(mode, first, count);
 }
 
-void GL_APIENTRY hookGlDrawElements(GLenum mode, GLsizei count, GLenum type, const void* indices) {
+ORVEL_HOOK void GL_APIENTRY hookGlDrawElements(GLenum mode, GLsizei count, GLenum type, const void* indices) {
     modifyShadingRate();
     checkBossPattern(); // before this draw's count joins the history
     updateEleCountArr(count);
@@ -136,45 +142,51 @@ void GL_APIENTRY hookGlDrawElements(GLenum mode, GLsizei count, GLenum type, con
     next::gl.glDrawElements(mode, count, type, indices);
 }
 
-void GL_APIENTRY hookGlDrawElementsBaseVertex(GLenum mode, GLsizei count, GLenum type, const void* indices,
-                                              GLint basevertex) {
+ORVEL_HOOK void GL_APIENTRY hookGlDrawElementsBaseVertex(GLenum mode, GLsizei count, GLenum type, const void* indices,
+                                                         GLint basevertex) {
     checkTransferPattern(count);
     checkLaunchPattern(count);
     checkTransferPatternHP(count);
     next::gl.glDrawElementsBaseVertex(mode, count, type, indices, basevertex);
 }
 
-void GL_APIENTRY hookGlClear(GLbitfield mask) {
+ORVEL_HOOK void GL_APIENTRY hookGlClear(GLbitfield mask) {
     checkTransferPattern(kMarker); // deliberate: whatever the mask
     checkLaunchPattern(kMarker);
     next::gl.glClear(mask);
 }
 
-void GL_APIENTRY hookGlInvalidateFramebuffer(GLenum target, GLsizei numAttachments, const GLenum* attachments) {
+ORVEL_HOOK void GL_APIENTRY hookGlInvalidateFramebuffer(GLenum target, GLsizei numAttachments,
+                                                        const GLenum* attachments) {
     checkTransferPatternHP(kMarker);
     next::gl.glInvalidateFramebuffer(target, numAttachments, attachments);
 }
 
 // ---- programs, uniforms, labels -----------------------------------------------------------------------
 
-void GL_APIENTRY hookShaderSource(GLuint shader, GLsizei count, const GLchar* const* string, const GLint* length) {
+ORVEL_HOOK void GL_APIENTRY hookShaderSource(GLuint shader, GLsizei count, const GLchar* const* string,
+                                             const GLint* length) {
     if (count == 1 && string) {
         updateShaderCode(shader, count, string);
     }
     next::gl.glShaderSource(shader, count, string, length);
 }
 
-void GL_APIENTRY hookGlUseProgram(GLuint program) {
+ORVEL_HOOK void GL_APIENTRY hookGlUseProgram(GLuint program) {
     next::gl.glUseProgram(program);
     if (isOrvelDRREnable()) {
         drrMarkCurrentProgram(program);
     }
 }
 
-void GL_APIENTRY hookGlUniform4fv(GLint location, GLsizei count, const GLfloat* value) {
+ORVEL_HOOK void GL_APIENTRY hookGlUniform4fv(GLint location, GLsizei count, const GLfloat* value) {
     constexpr int kVec4 = 4;
     GLfloat copy[4 * kVec4]; // the game's array is never written
-    if (value && count == 1) {
+    if (!value) {            // harmless to the driver where the location is -1
+        next::gl.glUniform4fv(location, count, value);
+        return;
+    }
+    if (count == 1) {
         std::memcpy(copy, value, kVec4 * sizeof(GLfloat));
         if (isOrvelDRREnable()) {
             drrModifyShaderUniform4fv_1(location, copy);
@@ -182,7 +194,7 @@ void GL_APIENTRY hookGlUniform4fv(GLint location, GLsizei count, const GLfloat* 
             modifyRenderPrecisionYuanshenShaderUniform(1, copy); // deliberately the count, not the location
         }
         value = copy;
-    } else if (value && count == 4 && !isOrvelDRREnable() && fixPostprocessLowIssue()) {
+    } else if (count == 4 && !isOrvelDRREnable() && fixPostprocessLowIssue()) {
         std::memcpy(copy, value, sizeof copy);
         modifyPostprocessLowParam(copy);
         value = copy;
@@ -190,7 +202,7 @@ void GL_APIENTRY hookGlUniform4fv(GLint location, GLsizei count, const GLfloat* 
     next::gl.glUniform4fv(location, count, value);
 }
 
-void GL_APIENTRY hookGlUniform2uiv(GLint location, GLsizei count, const GLuint* value) {
+ORVEL_HOOK void GL_APIENTRY hookGlUniform2uiv(GLint location, GLsizei count, const GLuint* value) {
     if (count != 1 || !value) {
         next::gl.glUniform2uiv(location, count, value);
         return;
@@ -224,7 +236,7 @@ private:
     const char* mText;
 };
 
-void GL_APIENTRY hookGlLabelObjectEXT(GLenum type, GLuint object, GLsizei length, const GLchar* label) {
+ORVEL_HOOK void GL_APIENTRY hookGlLabelObjectEXT(GLenum type, GLuint object, GLsizei length, const GLchar* label) {
     if (const TerminatedLabel text(length, label); text.get()) {
         markHkrpgTexture(object, text.get());
         if (isOrvelDRREnable()) {
@@ -238,8 +250,8 @@ void GL_APIENTRY hookGlLabelObjectEXT(GLenum type, GLuint object, GLsizei length
 // ---- read-back ----------------------------------------------------------------------------------------
 
 /** Spelt so on purpose; others know the hook by this name. */
-void GL_APIENTRY hppkGlReadPixels(GLint x, GLint y, GLsizei width, GLsizei height, GLenum format, GLenum type,
-                                  void* pixels) {
+ORVEL_HOOK void GL_APIENTRY hppkGlReadPixels(GLint x, GLint y, GLsizei width, GLsizei height, GLenum format,
+                                             GLenum type, void* pixels) {
     if (processGameCapture(x, y, width, height, format, type, pixels)) {
         return; // served from a copy at the size that the game asked for
     }
@@ -273,35 +285,67 @@ EGLSurface EGLAPIENTRY hookEglCreateWindowSurface(EGLDisplay display, EGLConfig 
     return next::platform.eglCreateWindowSurface(display, config, window, attribList);
 }
 
+// ---- the table ----------------------------------------------------------------------------------------
+
+// Whether anything behind a hook is switched on. Each must cover every feature that the hooks of its rows call.
+bool always() { return true; }
+bool dynamicResolution() { return isOrvelDRREnable(); }
+bool anisotropy() { return mEnableAFModify; }
+bool shadingRate() { return mEnableShadingRate; }
+bool yuanshenSizes() { return mEnableScaleResolutionSize; }
+bool sizes() { return isOrvelDRREnable() || yuanshenSizes(); }
+bool binding() { return isOrvelDRREnable() || mEnableHkrpgSceneRecognize || mEnableYSSceneRecognize; }
+bool clearPatterns() { return mEnableYSTransferRecognize || mEnableYSLaunchRecognize; }
+bool patternHP() { return mEnableHPTransferRecognize; }
+bool patterns() { return clearPatterns() || patternHP(); }
+bool draw() { return shadingRate() || mEnableYSSceneRecognize || patterns(); }
+
+/**
+ * What stands in the table for a hook: while nothing behind it is on, the call goes on to the driver without a stack
+ * frame, at the cost of the switches' loads. Such a test must not look at the call's arguments.
+ */
+template <auto Slot, auto Hook, bool (*IsOn)()>
+struct Gate;
+template <typename R, typename... Args, R (*GlTable::*Slot)(Args...), R (*Hook)(Args...), bool (*IsOn)()>
+struct Gate<Slot, Hook, IsOn> {
+    static R GL_APIENTRY call(Args... args) {
+        if (IsOn()) [[unlikely]] {
+            return Hook(args...);
+        }
+        return (next::gl.*Slot)(args...);
+    }
+};
+
 } // namespace
 
-// The hooked entries, in the order in which they are written. A hook of another signature does not compile.
+// The hooked entries in the order in which they are written, each with its hook and what that depends on. A hook of
+// another signature does not compile.
 #define ORVEL_LEGACY_GL(X)                                                                                             \
-    X(glTexParameteri, hookGlTexParameteri)                                                                            \
-    X(glTexStorage2D, hookGlTexStorage2D)                                                                              \
-    X(glViewport, hookGlViewport)                                                                                      \
-    X(glDrawArrays, hookGlDrawArrays)                                                                                  \
-    X(glBindTexture, hookGlBindTexture)                                                                                \
-    X(glDrawElements, hookGlDrawElements)                                                                              \
-    X(glDrawElementsBaseVertex, hookGlDrawElementsBaseVertex)                                                          \
-    X(glClear, hookGlClear)                                                                                            \
-    X(glScissor, hookGlScissor)                                                                                        \
-    X(glBlitFramebuffer, hookGlBlitFramebuffer)                                                                        \
-    X(glInvalidateFramebuffer, hookGlInvalidateFramebuffer)                                                            \
-    X(glUniform4fv, hookGlUniform4fv)                                                                                  \
-    X(glShaderSource, hookShaderSource)                                                                                \
-    X(glBindFramebuffer, hookGlBindFramebuffer)                                                                        \
-    X(glFramebufferTexture2D, hookGlFramebufferTexture2D)                                                              \
-    X(glDeleteTextures, hookGlDeleteTextures)                                                                          \
-    X(glDeleteFramebuffers, hookGlDeleteFramebuffers)                                                                  \
-    X(glLabelObjectEXT, hookGlLabelObjectEXT)                                                                          \
-    X(glUseProgram, hookGlUseProgram)                                                                                  \
-    X(glActiveTexture, hookGlActiveTexture)                                                                            \
-    X(glUniform2uiv, hookGlUniform2uiv)                                                                                \
-    X(glReadPixels, hppkGlReadPixels)
+    X(glTexParameteri, hookGlTexParameteri, anisotropy)                                                                \
+    X(glTexStorage2D, hookGlTexStorage2D, sizes)                                                                       \
+    X(glViewport, hookGlViewport, sizes)                                                                               \
+    X(glDrawArrays, hookGlDrawArrays, shadingRate)                                                                     \
+    X(glBindTexture, hookGlBindTexture, binding)                                                                       \
+    X(glDrawElements, hookGlDrawElements, draw)                                                                        \
+    X(glDrawElementsBaseVertex, hookGlDrawElementsBaseVertex, patterns)                                                \
+    X(glClear, hookGlClear, clearPatterns)                                                                             \
+    X(glScissor, hookGlScissor, sizes)                                                                                 \
+    X(glBlitFramebuffer, hookGlBlitFramebuffer, sizes)                                                                 \
+    X(glInvalidateFramebuffer, hookGlInvalidateFramebuffer, patternHP)                                                 \
+    X(glUniform4fv, hookGlUniform4fv, sizes)                                                                           \
+    X(glShaderSource, hookShaderSource, always)                                                                        \
+    X(glBindFramebuffer, hookGlBindFramebuffer, dynamicResolution)                                                     \
+    X(glFramebufferTexture2D, hookGlFramebufferTexture2D, dynamicResolution)                                           \
+    X(glDeleteTextures, hookGlDeleteTextures, dynamicResolution)                                                       \
+    X(glDeleteFramebuffers, hookGlDeleteFramebuffers, dynamicResolution)                                               \
+    X(glLabelObjectEXT, hookGlLabelObjectEXT, always)                                                                  \
+    X(glUseProgram, hookGlUseProgram, dynamicResolution)                                                               \
+    X(glActiveTexture, hookGlActiveTexture, dynamicResolution)                                                         \
+    X(glUniform2uiv, hookGlUniform2uiv, yuanshenSizes)                                                                 \
+    X(glReadPixels, hppkGlReadPixels, always)
 
 void installOrvelHooks(gl_hooks_t* table) {
-#define ORVEL_WRITE(entry, hook) table->gl.entry = hook;
+#define ORVEL_WRITE(entry, hook, isOn) table->gl.entry = Gate<&GlTable::entry, hook, isOn>::call;
     ORVEL_LEGACY_GL(ORVEL_WRITE)
 #undef ORVEL_WRITE
 }
@@ -312,7 +356,9 @@ void installVoHooks(egl_connection_t* cnx) {
     cnx->platform.eglCreateWindowSurface = hookEglCreateWindowSurface;
 }
 
-void installOrvelPUBGHooks(gl_hooks_t* table) { table->gl.glTexParameteri = hookGlTexParameteri; }
+void installOrvelPUBGHooks(gl_hooks_t* table) {
+    table->gl.glTexParameteri = Gate<&GlTable::glTexParameteri, hookGlTexParameteri, anisotropy>::call;
+}
 
 void installOrvelSGAMEHooks(egl_connection_t* cnx) {
     gSwapbuffers = cnx->platform.eglSwapBuffers;

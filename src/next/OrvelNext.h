@@ -23,10 +23,12 @@ struct ExtTable {
                                                     GLenum* shadingRates);
 };
 
-extern GlTable gl; // no entry is null: what the driver lacks does nothing
+#pragma GCC visibility push(hidden) // for the compiler: no detour through the global offset table on the draw path
+extern GlTable gl;                  // no entry is null: what the driver lacks does nothing
 extern egl_t egl;
 extern platform_impl_t platform;
 extern ExtTable ext;
+#pragma GCC visibility pop
 
 /** Answers whether the driver lacks the function of that name. */
 using MissingTest = std::function<bool(const std::string& name)>;

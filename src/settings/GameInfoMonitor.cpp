@@ -48,7 +48,9 @@ GameInfoMonitor::GameInfoMonitor() : mDebug(orvel::isDebugPropertySet()) {
 }
 
 GameInfoMonitor::~GameInfoMonitor() {
-    // The thread may still sit in read(): it ends with the process, which is all that destroys the monitor.
+    // The process ends, and the thread with it, a moment later. Removing the watch wakes it once more: a name without
+    // memory of its own is safe to compare even then.
+    setPackageName("");
     if (mWatchFd != -1) {
         inotify_rm_watch(mInotifyFd, mWatchFd);
     }
@@ -231,9 +233,9 @@ void GameInfoMonitor::parseFilterConfig(std::string package, int type, int stren
     }
 }
 
-void GameInfoMonitor::setPackageName(const std::string& name) {
+void GameInfoMonitor::setPackageName(std::string name) {
     const std::lock_guard lock(mPackageMutex);
-    mPackageName = name;
+    mPackageName.swap(name);
 }
 
 bool GameInfoMonitor::isOwnPackage(const std::string& package) {

@@ -58,7 +58,7 @@ public:
      * @param name what the lines of this process are marked with; compared up to its first zero byte, so that a whole
      *        command line will do. An empty name matches no line.
      */
-    void setPackageName(const std::string& name);
+    void setPackageName(std::string name);
 
     const GameInfo& getGameInfo() const { return mGameInfo; }
 

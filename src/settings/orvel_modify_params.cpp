@@ -67,7 +67,7 @@ void initTargetSize() {
     // Accepted: without a size the reciprocals are infinite; nothing reads them then.
     mTargetTexWidthYuanshenReciprocal = 1.0f / static_cast<float>(size.width);
     mTargetTexHeightYuanshenReciprocal = 1.0f / static_cast<float>(size.height);
-    // In double precision: in single, some sizes would come out one texel off.
+    // Cut off, not rounded, and in double precision.
     mTargetTexWidthYuanshen80 = static_cast<int32_t>(size.width * 0.8);
     mTargetTexHeightYuanshen80 = static_cast<int32_t>(size.height * 0.8);
 }

@@ -27,6 +27,8 @@ enum HKRPG_SCENE : int32_t {
     HKRPG_SCENE_SQUARE = 4,
 };
 
+#pragma GCC visibility push(hidden) // for the compiler: no detour through the global offset table on the draw path
+
 extern bool orveldebug; // verbose logging
 
 extern bool mEnableScaleResolutionSize;
@@ -60,6 +62,8 @@ extern std::map<HKRPG_SCENE, int32_t> mHkrpeMinmapTextureMap; // spelt so; textu
 extern std::atomic<bool> mEnableDynamicResolution;
 extern orvel::OrvelDRR* mOrvelDRR; // never freed
 extern int32_t mDFIInterval;       // milliseconds, -1 off; rewritten by the frame-interval feature
+
+#pragma GCC visibility pop
 
 /**
  * Identifies the process, asks the tuning service, fills the variables above and creates the feature objects that the

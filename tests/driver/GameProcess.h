@@ -32,11 +32,12 @@ public:
             mListener = android::desktop::listenAsService(mRoot, "velmor.ravelo");
             const android::String16 answer(configuration);
             mService = std::thread([listener = mListener, answer] {
-                android::desktop::serveClients(listener, [answer](uint32_t, const android::Parcel&, android::Parcel* reply) {
-                    reply->writeInt32(0);
-                    reply->writeString16(answer);
-                    return android::status_t(android::NO_ERROR);
-                });
+                android::desktop::serveClients(listener,
+                                               [answer](uint32_t, const android::Parcel&, android::Parcel* reply) {
+                                                   reply->writeInt32(0);
+                                                   reply->writeString16(answer);
+                                                   return android::status_t(android::NO_ERROR);
+                                               });
             });
         }
     }
@@ -54,8 +55,17 @@ public:
     void makeCurrent(EGLint version = 3, EGLint width = 64, EGLint height = 64) {
         mDisplay = eglGetDisplay(EGL_DEFAULT_DISPLAY);
         ASSERT_TRUE(eglInitialize(mDisplay, nullptr, nullptr));
-        const EGLint wanted[] = {EGL_SURFACE_TYPE, EGL_PBUFFER_BIT, EGL_RENDERABLE_TYPE, EGL_OPENGL_ES2_BIT,
-                                 EGL_RED_SIZE, 8, EGL_ALPHA_SIZE, 8, EGL_DEPTH_SIZE, 24, EGL_NONE};
+        const EGLint wanted[] = {EGL_SURFACE_TYPE,
+                                 EGL_PBUFFER_BIT,
+                                 EGL_RENDERABLE_TYPE,
+                                 EGL_OPENGL_ES2_BIT,
+                                 EGL_RED_SIZE,
+                                 8,
+                                 EGL_ALPHA_SIZE,
+                                 8,
+                                 EGL_DEPTH_SIZE,
+                                 24,
+                                 EGL_NONE};
         EGLConfig config = nullptr;
         EGLint count = 0;
         ASSERT_TRUE(eglChooseConfig(mDisplay, wanted, &config, 1, &count));

@@ -108,7 +108,8 @@ INSTANTIATE_TEST_SUITE_P(
                     Disabled{"EmptyAnswer", "com.miHoYo.Yuanshen", "", "pid: "},
                     Disabled{"Unlisted", "org.example.game", kReplaceShaders, "EnableDR: 0"},
                     Disabled{"NoJson", "com.miHoYo.Yuanshen", "shader_replace_config=1", " E libOrvel"},
-                    Disabled{"OtherValue", "com.miHoYo.hkrpg", R"({"configs":{"shader_replace_config":"2"}})", "pid: "}),
+                    Disabled{"OtherValue", "com.miHoYo.hkrpg", R"({"configs":{"shader_replace_config":"2"}})",
+                             "pid: "}),
     [](const auto& reason) { return std::string(reason.param.name); });
 
 // Catches an answer at binder's limit that is lost, and one above it that is taken for an empty one.

@@ -1,8 +1,8 @@
 // The rig between a program and Mesa: linked against the rig's libEGL and libGLESv2, with the real library under them.
 #include "DesktopBinder.h"
+#include "TestRoot.h"
 #include "loader/ThreadTable.h"
 #include "report/ReportLayout.h"
-#include "settings/TestRoot.h"
 
 #include <csignal>
 #include <cstring>

@@ -81,8 +81,8 @@ constinit const platform_impl_t kPlatformTable = {
 #define EGL_ENTRY(Result, name, params, args, providers) platform_##name,
 #include <entries/egl_entries.in>
 #undef EGL_ENTRY
-    platform_glGetBooleanv,   platform_glGetFloatv,  platform_glGetIntegerv,
-    platform_glGetInteger64v, platform_glGetString,  platform_glGetStringi,
+    platform_glGetBooleanv,   platform_glGetFloatv, platform_glGetIntegerv,
+    platform_glGetInteger64v, platform_glGetString, platform_glGetStringi,
 };
 
 } // namespace
@@ -124,8 +124,8 @@ std::unique_ptr<AnswerBase>& answerAt(TableKind table, size_t offset) {
 } // namespace recording
 
 RecordingDriver::RecordingDriver()
-    : mGles2{recording::kGlTable}, mConnection{{nullptr, &mGles2}, 1, 5, recording::kEglTable,
-                                               recording::kPlatformTable} {
+    : mGles2{recording::kGlTable},
+      mConnection{{nullptr, &mGles2}, 1, 5, recording::kEglTable, recording::kPlatformTable} {
     forget();
 }
 

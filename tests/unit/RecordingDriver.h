@@ -44,7 +44,7 @@ void note(TableKind table, const char* name, std::initializer_list<std::string> 
 std::unique_ptr<AnswerBase>& answerAt(TableKind table, size_t offset);
 
 template <typename T>
-constexpr TableKind kTableKind = std::is_same_v<T, android::egl_t>            ? TableKind::EGL
+constexpr TableKind kTableKind = std::is_same_v<T, android::egl_t>             ? TableKind::EGL
                                  : std::is_same_v<T, android::platform_impl_t> ? TableKind::PLATFORM
                                                                                : TableKind::GL;
 

@@ -40,21 +40,21 @@ TEST_P(ReplaceShader, EditsInPlace) {
     EXPECT_EQ(replaced(GetParam().text, GetParam().from, GetParam().to), GetParam().expected);
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Texts, ReplaceShader,
-    testing::Values(Replacement{"mediump", "mediump", "lowp", "lowp"},
-                    Replacement{"precision mediump float;\nmediump vec2 a;", "mediump", "lowp",
-                                "precision lowp float;\nlowp vec2 a;"},
-                    Replacement{"mediumpmediumpx", "mediump", "lowp", "lowplowpx"},
-                    Replacement{"my_mediumpValue", "mediump", "lowp", "my_lowpValue"},
-                    Replacement{"highp float", "mediump", "lowp", "highp float"},
-                    Replacement{"medium", "mediump", "lowp", "medium"}, Replacement{"", "mediump", "lowp", ""},
-                    Replacement{"aaa", "aa", "b", "ba"},
-                    Replacement{"abc", "abc", "xyz", "abc"},  // not longer than the replacement: left alone
-                    Replacement{"abcd", "abc", "xyz", "xyzd"}, // but one character more is enough
-                    Replacement{"lowp a; lowp", "lowp", "mediump", "mediump a; mediump"},
-                    Replacement{"aaaa", "aa", "bbb", "bbbbbb"}, Replacement{"text", "", "x", "text"},
-                    Replacement{"text", "", "", "text"}));
+INSTANTIATE_TEST_SUITE_P(Texts, ReplaceShader,
+                         testing::Values(Replacement{"mediump", "mediump", "lowp", "lowp"},
+                                         Replacement{"precision mediump float;\nmediump vec2 a;", "mediump", "lowp",
+                                                     "precision lowp float;\nlowp vec2 a;"},
+                                         Replacement{"mediumpmediumpx", "mediump", "lowp", "lowplowpx"},
+                                         Replacement{"my_mediumpValue", "mediump", "lowp", "my_lowpValue"},
+                                         Replacement{"highp float", "mediump", "lowp", "highp float"},
+                                         Replacement{"medium", "mediump", "lowp", "medium"},
+                                         Replacement{"", "mediump", "lowp", ""}, Replacement{"aaa", "aa", "b", "ba"},
+                                         Replacement{"abc", "abc", "xyz",
+                                                     "abc"}, // not longer than the replacement: left alone
+                                         Replacement{"abcd", "abc", "xyz", "xyzd"}, // but one character more is enough
+                                         Replacement{"lowp a; lowp", "lowp", "mediump", "mediump a; mediump"},
+                                         Replacement{"aaaa", "aa", "bbb", "bbbbbb"},
+                                         Replacement{"text", "", "x", "text"}, Replacement{"text", "", "", "text"}));
 
 // Catches overlapping matches, indices of the wrong end, and an endless search for nothing.
 TEST(FindNumber, ReportsFirstAndLastCharacters) {
@@ -98,8 +98,8 @@ TEST(UpdateShaderCode, LeavesTextAloneThatCannotBeWritten) {
     EXPECT_TRUE(log.has(ANDROID_LOG_DEBUG, "SHADER_REPLACE updateShaderCode: replaceShader success!"));
 
     const auto page = static_cast<size_t>(sysconf(_SC_PAGESIZE));
-    auto* pages = static_cast<char*>(
-        mmap(nullptr, 2 * page, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
+    auto* pages =
+        static_cast<char*>(mmap(nullptr, 2 * page, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
     char* text = pages + page - 24; // begins in the first page, ends in the second
     const std::string source = "mediump float a; mediump float b;";
     std::memcpy(text, source.c_str(), source.size() + 1);

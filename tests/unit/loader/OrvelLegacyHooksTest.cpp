@@ -52,17 +52,16 @@ TEST_F(LegacyHooks, IdleHooksForwardExactlyOneCall) {
     mGame.glUseProgram(1);
     mGame.glActiveTexture(1);
     mGame.glReadPixels(1, 2, 3, 4, 5, 6, pixels);
-    EXPECT_THAT(mDriver->calls(),
-                ElementsAre(call("glTexParameteri", 1, 2, 3), call("glTexStorage2D", 1, 2, 3, 4, 5),
-                            call("glViewport", 1, 2, 3, 4), call("glScissor", 1, 2, 3, 4),
-                            call("glBlitFramebuffer", 1, 2, 3, 4, 5, 6, 7, 8, 9, 10), call("glDrawArrays", 1, 2, 3),
-                            call("glDrawElements", 1, 2, 3, indices),
-                            call("glDrawElementsBaseVertex", 1, 2, 3, indices, 4), call("glClear", 1),
-                            call("glInvalidateFramebuffer", 1, 1, &attachment), call("glBindTexture", 1, 2),
-                            call("glBindFramebuffer", 1, 2), call("glFramebufferTexture2D", 1, 2, 3, 4, 5),
-                            call("glDeleteTextures", 2, names), call("glDeleteFramebuffers", 2, names),
-                            call("glUseProgram", 1), call("glActiveTexture", 1),
-                            call("glReadPixels", 1, 2, 3, 4, 5, 6, &pixels[0])));
+    EXPECT_THAT(
+        mDriver->calls(),
+        ElementsAre(call("glTexParameteri", 1, 2, 3), call("glTexStorage2D", 1, 2, 3, 4, 5),
+                    call("glViewport", 1, 2, 3, 4), call("glScissor", 1, 2, 3, 4),
+                    call("glBlitFramebuffer", 1, 2, 3, 4, 5, 6, 7, 8, 9, 10), call("glDrawArrays", 1, 2, 3),
+                    call("glDrawElements", 1, 2, 3, indices), call("glDrawElementsBaseVertex", 1, 2, 3, indices, 4),
+                    call("glClear", 1), call("glInvalidateFramebuffer", 1, 1, &attachment), call("glBindTexture", 1, 2),
+                    call("glBindFramebuffer", 1, 2), call("glFramebufferTexture2D", 1, 2, 3, 4, 5),
+                    call("glDeleteTextures", 2, names), call("glDeleteFramebuffers", 2, names), call("glUseProgram", 1),
+                    call("glActiveTexture", 1), call("glReadPixels", 1, 2, 3, 4, 5, 6, &pixels[0])));
 }
 
 // Catches a game's array that is written or passed where a copy belongs, and a copy of a count that is not handled.
@@ -74,6 +73,7 @@ TEST_F(LegacyHooks, UniformsPassACopyOnlyWhereTheyMayBeRewritten) {
         arrived = value;
         std::memcpy(values, value, sizeof(GLfloat) * 4 * static_cast<size_t>(count));
     });
+    mEnableScaleResolutionSize = true;
     for (const bool dynamicResolution : {false, true}) {
         mEnableDynamicResolution = dynamicResolution;
         mGame.glUniform4fv(7, 1, vectors);
@@ -114,10 +114,10 @@ TEST_F(LegacyHooks, OffersOnlySingleStringsToShaderReplacement) {
     const GLchar* nothing[] = {nullptr};
     mGame.glShaderSource(3, 1, nothing, nullptr);
     mGame.glShaderSource(3, 1, nullptr, nullptr);
-    EXPECT_THAT(mDriver->calls(),
-                ElementsAre(call("glShaderSource", 3, 2, strings, lengths), call("glShaderSource", 3, 1, strings, lengths),
-                            call("glShaderSource", 3, 1, nothing, nullptr),
-                            call("glShaderSource", 3, 1, nullptr, nullptr)));
+    EXPECT_THAT(mDriver->calls(), ElementsAre(call("glShaderSource", 3, 2, strings, lengths),
+                                              call("glShaderSource", 3, 1, strings, lengths),
+                                              call("glShaderSource", 3, 1, nothing, nullptr),
+                                              call("glShaderSource", 3, 1, nullptr, nullptr)));
 }
 
 // Catches a label that is read past its end, and one that reaches the driver as our copy.

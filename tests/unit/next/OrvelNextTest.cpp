@@ -58,9 +58,8 @@ TEST(InitNextFunctions, ResolvesOnlyKnownExtensionFunctions) {
     EXPECT_EQ(reinterpret_cast<void*>(next::ext.glShadingRateQCOM), static_cast<void*>(&marker));
 
     driver.connection()->egl.eglGetProcAddress = nullptr;
-    next::InitNextFunctions(driver.connection(), [](const next::MissingTest& isMissing) {
-        EXPECT_TRUE(isMissing("glShadingRateQCOM"));
-    });
+    next::InitNextFunctions(driver.connection(),
+                            [](const next::MissingTest& isMissing) { EXPECT_TRUE(isMissing("glShadingRateQCOM")); });
     EXPECT_EQ(next::ext.glShadingRateQCOM, nullptr);
 }
 

@@ -38,9 +38,8 @@ protected:
 
 // Catches a binding that is saved from, or goes back to, another target, and a restore in reverse order.
 TEST_F(StateTracker, PutsBindingsBackInStoringOrder) {
-    mIntegers = {{GL_ACTIVE_TEXTURE, GL_TEXTURE3},     {GL_TEXTURE_BINDING_2D, 11},
-                 {GL_DRAW_FRAMEBUFFER_BINDING, 12},    {GL_READ_FRAMEBUFFER_BINDING, 13},
-                 {GL_CURRENT_PROGRAM, 14},             {GL_ARRAY_BUFFER_BINDING, 15},
+    mIntegers = {{GL_ACTIVE_TEXTURE, GL_TEXTURE3},      {GL_TEXTURE_BINDING_2D, 11},  {GL_DRAW_FRAMEBUFFER_BINDING, 12},
+                 {GL_READ_FRAMEBUFFER_BINDING, 13},     {GL_CURRENT_PROGRAM, 14},     {GL_ARRAY_BUFFER_BINDING, 15},
                  {GL_ELEMENT_ARRAY_BUFFER_BINDING, 16}, {GL_VERTEX_ARRAY_BINDING, 17}};
     mTracker.StoreActiveTexture();
     mTracker.StoreTextureBinding2D();
@@ -51,13 +50,13 @@ TEST_F(StateTracker, PutsBindingsBackInStoringOrder) {
     mTracker.StoreArraybufferBinding();
     mTracker.StoreElementArrayBufferBinding();
     mTracker.StoreVertexArrayBinding();
-    EXPECT_THAT(restore(), ElementsAre(call("glActiveTexture", GL_TEXTURE3), call("glBindTexture", GL_TEXTURE_2D, 11),
-                                       call("glBindFramebuffer", GL_FRAMEBUFFER, 12),
-                                       call("glBindFramebuffer", GL_DRAW_FRAMEBUFFER, 12),
-                                       call("glBindFramebuffer", GL_READ_FRAMEBUFFER, 13), call("glUseProgram", 14),
-                                       call("glBindBuffer", GL_ARRAY_BUFFER, 15),
-                                       call("glBindBuffer", GL_ELEMENT_ARRAY_BUFFER, 16),
-                                       call("glBindVertexArray", 17)));
+    EXPECT_THAT(restore(),
+                ElementsAre(call("glActiveTexture", GL_TEXTURE3), call("glBindTexture", GL_TEXTURE_2D, 11),
+                            call("glBindFramebuffer", GL_FRAMEBUFFER, 12),
+                            call("glBindFramebuffer", GL_DRAW_FRAMEBUFFER, 12),
+                            call("glBindFramebuffer", GL_READ_FRAMEBUFFER, 13), call("glUseProgram", 14),
+                            call("glBindBuffer", GL_ARRAY_BUFFER, 15),
+                            call("glBindBuffer", GL_ELEMENT_ARRAY_BUFFER, 16), call("glBindVertexArray", 17)));
     EXPECT_TRUE(restore().empty()) << "restoring forgets";
 }
 
@@ -82,13 +81,20 @@ TEST_F(StateTracker, RestoresEnabledTestsWhole) {
                                        call("glBlendEquationSeparate", 1, 2), call("glDepthMask", 0),
                                        call("glEnable", GL_DEPTH_TEST), call("glDepthFunc", 7)));
 
-    mIntegers = {{GL_STENCIL_FUNC, 11},      {GL_STENCIL_REF, 12},
-                 {GL_STENCIL_VALUE_MASK, 13}, {GL_STENCIL_FAIL, 14},
-                 {GL_STENCIL_PASS_DEPTH_FAIL, 15}, {GL_STENCIL_PASS_DEPTH_PASS, 16},
-                 {GL_STENCIL_WRITEMASK, 17}, {GL_STENCIL_BACK_FUNC, 21},
-                 {GL_STENCIL_BACK_REF, 22},  {GL_STENCIL_BACK_VALUE_MASK, 23},
-                 {GL_STENCIL_BACK_FAIL, 24}, {GL_STENCIL_BACK_PASS_DEPTH_FAIL, 25},
-                 {GL_STENCIL_BACK_PASS_DEPTH_PASS, 26}, {GL_STENCIL_BACK_WRITEMASK, 27}};
+    mIntegers = {{GL_STENCIL_FUNC, 11},
+                 {GL_STENCIL_REF, 12},
+                 {GL_STENCIL_VALUE_MASK, 13},
+                 {GL_STENCIL_FAIL, 14},
+                 {GL_STENCIL_PASS_DEPTH_FAIL, 15},
+                 {GL_STENCIL_PASS_DEPTH_PASS, 16},
+                 {GL_STENCIL_WRITEMASK, 17},
+                 {GL_STENCIL_BACK_FUNC, 21},
+                 {GL_STENCIL_BACK_REF, 22},
+                 {GL_STENCIL_BACK_VALUE_MASK, 23},
+                 {GL_STENCIL_BACK_FAIL, 24},
+                 {GL_STENCIL_BACK_PASS_DEPTH_FAIL, 25},
+                 {GL_STENCIL_BACK_PASS_DEPTH_PASS, 26},
+                 {GL_STENCIL_BACK_WRITEMASK, 27}};
     mTracker.StoreStencilState();
     EXPECT_THAT(restore(), ElementsAre(call("glEnable", GL_STENCIL_TEST), call("glStencilMaskSeparate", GL_FRONT, 17),
                                        call("glStencilMaskSeparate", GL_BACK, 27),

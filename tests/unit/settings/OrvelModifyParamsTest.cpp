@@ -46,18 +46,18 @@ TEST(GameSetting, WithoutServiceAllIsZero) {
     EXPECT_THAT(log.texts(ANDROID_LOG_ERROR), IsEmpty());
 }
 
-// Catches a variable that is filled from the wrong member, and 80 % in single precision or rounded.
+// Catches a variable that is filled from the wrong member, and 80 % that are rounded.
 TEST(GameSetting, TakesTheAnswer) {
-    start("com.miHoYo.Yuanshen", R"("tex_size":"1920x1084","shader_rate":"3","tex_param_anisotropy":"2",)"
+    start("com.miHoYo.Yuanshen", R"("tex_size":"1920x1082","shader_rate":"3","tex_param_anisotropy":"2",)"
                                  R"("post_process_low":"4x8","post_process_high":"8x16","max_resolution":"9x5;7x3",)"
                                  R"("shader_replace_config":"1","dfi_interval":"20","ys_launch_recognize":"1")");
     EXPECT_TRUE(mEnableScaleResolutionSize);
     EXPECT_EQ(mTargetTexWidthYuanshen, 1920);
-    EXPECT_EQ(mTargetTexHeightYuanshen, 1084);
+    EXPECT_EQ(mTargetTexHeightYuanshen, 1082);
     EXPECT_EQ(mTargetTexWidthYuanshenReciprocal, 1.0f / 1920);
-    EXPECT_EQ(mTargetTexHeightYuanshenReciprocal, 1.0f / 1084);
+    EXPECT_EQ(mTargetTexHeightYuanshenReciprocal, 1.0f / 1082);
     EXPECT_EQ(mTargetTexWidthYuanshen80, 1536);
-    EXPECT_EQ(mTargetTexHeightYuanshen80, 867);
+    EXPECT_EQ(mTargetTexHeightYuanshen80, 865);
     EXPECT_TRUE(mEnableShadingRate);
     EXPECT_EQ(mShadingRate, 3);
     EXPECT_TRUE(mEnableAFModify);

@@ -182,7 +182,8 @@ TEST(FsrConstants, FollowThePublishedSetUp) {
                             -0.25f, 0.25f, 0.25f, 0.25f, 0.0f, 0.5f, 0.5f, 0.25f));
 }
 
-// Catches constants under the wrong width, an earlier item that wins, and lists of unequal length that are paired.
+// Catches constants under the wrong width, an earlier item that wins, lists of unequal length that are paired, and
+// sizes of an earlier answer that stay.
 TEST(Preferences, DeriveUpscalingConstants) {
     OrvelPrefs prefs;
     read(prefs, YS, R"("post_process_low":"4x8;6x3;4x2","post_process_high":"8x16;12x6;16x4")");
@@ -197,6 +198,9 @@ TEST(Preferences, DeriveUpscalingConstants) {
     EXPECT_THAT(unequal.mAdaptSizes,
                 ElementsAre(Pair(TEX_SIZE_POST_PROCESS_LOW, ElementsAre(TEX_SIZE{4, 8}, TEX_SIZE{6, 3})),
                             Pair(TEX_SIZE_POST_PROCESS_HIGH, ElementsAre(TEX_SIZE{8, 16}))));
+    unequal.mConfigs.clear();
+    unequal.queryParams(7);
+    EXPECT_THAT(unequal.mAdaptSizes, IsEmpty());
 }
 
 } // namespace

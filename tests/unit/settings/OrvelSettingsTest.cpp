@@ -20,7 +20,7 @@ constexpr char kGame[] = "com.miHoYo.Yuanshen";
 constexpr char kQuery[] = "13 0 com.velmor.ravelo.IRaveloInterface ";
 
 // Catches a package that is missing from the table, and names that are compared by prefix, ignoring case, or with
-// their arguments; also a query or a line in the log for a process that is none of our business.
+// their arguments; a query or a line in the log for a process that is none of our business; a monitor that is not told.
 TEST(Settings, IdentifyByTheExactProcessName) {
     const std::pair<std::string, OrvelApplicationType> processes[] = {
         {"com.tencent.tmgp.sgame", APP_TYPE_SGAME},
@@ -56,6 +56,8 @@ TEST(Settings, IdentifyByTheExactProcessName) {
         } else {
             EXPECT_TRUE(log.has(ANDROID_LOG_INFO, "pid: " + std::to_string(getpid()) + ", cmdline: " + name));
             EXPECT_THAT(service->calls, ElementsAre(kQuery + name));
+            GameInfoMonitor::getInstance().parseGameSceneId(name, static_cast<int>(type)); // it knows the name too
+            EXPECT_EQ(settings.getSceneId(), static_cast<int>(type));
         }
         delete std::exchange(settings.mPrefs, nullptr);
     }
@@ -69,15 +71,6 @@ TEST(Settings, UnreadableProcessName) {
     OrvelSettings::getInstance().init();
     EXPECT_THAT(log.lines(), ElementsAre(LogLine{ANDROID_LOG_ERROR, "Failed to read the process name"}));
     EXPECT_THAT(service->calls, IsEmpty());
-}
-
-// Catches a monitor that is told argv[0] with its arguments cut off in the wrong place, or is not told at all.
-TEST(Settings, MonitorLearnsTheCommandLine) {
-    const TestRoot root;
-    root.bePackage(std::string("com.miHoYo.hkrpg\0--x\0", 21));
-    OrvelSettings::getInstance().init();
-    GameInfoMonitor::getInstance().parseGameSceneId("com.miHoYo.hkrpg", 7);
-    EXPECT_EQ(OrvelSettings::getInstance().getSceneId(), 7);
 }
 
 // Catches a failed call that leaves preferences behind, an empty answer that leaves none, and lost or wrong log lines.
