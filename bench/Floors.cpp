@@ -55,10 +55,7 @@ void GL_APIENTRY floorDrawElements(GLenum mode, GLsizei count, GLenum type, cons
     if (mEnableShadingRate) {
         feature();
     }
-    if (mEnableYSSceneRecognize) { // the boss pattern
-        feature();
-    }
-    if (mEnableYSSceneRecognize) { // the count's history
+    if (mEnableYSSceneRecognize) {
         feature();
     }
     if (mEnableYSTransferRecognize) {

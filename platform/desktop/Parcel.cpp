@@ -58,6 +58,9 @@ String16 Parcel::readString16() const {
     return bytes ? String16(reinterpret_cast<const char16_t*>(bytes), static_cast<size_t>(size)) : String16();
 }
 
-int32_t Parcel::readExceptionCode() const { return readInt32(); }
+int32_t Parcel::readExceptionCode() const {
+    constexpr int32_t kTransactionFailed = -129; // what a device answers for a reply without a code
+    return mPosition + sizeof(int32_t) <= mData.size() ? readInt32() : kTransactionFailed;
+}
 
 } // namespace android

@@ -101,7 +101,9 @@ private:
             const std::lock_guard lock(mConnection->mutex);
             mConnection->recipients.clear(); // nobody is told of a binder that was let go
         }
-        shutdown(mConnection->fd, SHUT_RDWR); // ends the reader
+        if (mProcess == getpid()) {               // a forked child shares the connection with its parent, who needs it
+            shutdown(mConnection->fd, SHUT_RDWR); // ends the reader
+        }
     }
 
     status_t call(uint32_t code, const Parcel& data, Parcel* reply, uint32_t flags) {
@@ -127,6 +129,7 @@ private:
     }
 
     const std::shared_ptr<Connection> mConnection;
+    const pid_t mProcess = getpid();
 };
 
 } // namespace

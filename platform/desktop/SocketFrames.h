@@ -37,11 +37,13 @@ private:
     int mFd;
 };
 
+enum class SocketEnd { LISTEN, CONNECT };
+
 /**
  * Binds or connects a socket at root/dev/binder/name. A socket address holds 107 bytes and a root may be longer, so
  * the folder is opened and the socket reached through the descriptor's name.
+ * @return the descriptor, or -1 with errno set
  */
-enum class SocketEnd { LISTEN, CONNECT };
 int openServiceSocket(const std::string& root, const std::string& name, SocketEnd end);
 
 } // namespace android::desktop

@@ -2,8 +2,11 @@
 #include "DesktopBinder.h"
 #include "SocketFrames.h"
 
+#include <cerrno>
 #include <sys/socket.h>
+#include <system_error>
 #include <thread>
+#include <unistd.h>
 #include <vector>
 
 namespace android::desktop {
@@ -42,10 +45,17 @@ int listenAsService(const std::string& root, const std::string& name) {
 void serveClients(int listener, const CallHandler& handler) {
     for (;;) {
         const int client = accept4(listener, nullptr, nullptr, SOCK_CLOEXEC);
+        if (client < 0 && (errno == EINTR || errno == ECONNABORTED)) {
+            continue;
+        }
         if (client < 0) {
             return;
         }
-        std::thread([client, handler] { serveClient(client, handler); }).detach();
+        try {
+            std::thread([client, handler] { serveClient(client, handler); }).detach();
+        } catch (const std::system_error&) { // no thread for this one
+            close(client);
+        }
     }
 }
 

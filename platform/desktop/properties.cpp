@@ -4,6 +4,7 @@
 
 #include "DesktopRoot.h"
 
+#include <algorithm>
 #include <cstring>
 #include <fstream>
 #include <map>
@@ -55,7 +56,7 @@ int property_get(const char* key, char* value, const char* defaultValue) {
 }
 
 int property_set(const char* key, const char* value) {
-    if (std::strlen(key) >= PROPERTY_KEY_MAX || std::strlen(value) >= PROPERTY_VALUE_MAX) {
+    if (std::strlen(value) >= PROPERTY_VALUE_MAX) { // names may be of any length
         return -1;
     }
     const std::lock_guard lock(sMutex);

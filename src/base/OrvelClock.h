@@ -1,4 +1,4 @@
-// Time and sleep, behind one function each: the tests link their own bodies and so move time.
+// Time and sleep, behind one function each, so that a test can link bodies of its own and move time.
 #pragma once
 
 #include <cstdint>

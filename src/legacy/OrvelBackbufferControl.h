@@ -13,6 +13,9 @@ public:
         return instance;
     }
 
+    /** Whether sizes of the game's window may have to be rewritten; read before each call that carries a size. */
+    static bool rewritesSizes() { return false; }
+
     /** Called with the window of each new surface. The feature's place in the system: no window is resized yet. */
     void updateANativeWindow(ANativeWindow*) {}
 

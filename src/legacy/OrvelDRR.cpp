@@ -8,7 +8,8 @@ OrvelDRR::OrvelDRR(bool enable, bool, std::string, int, std::vector<TEX_SIZE>, s
     : mEnable(enable) {}
 
 void OrvelDRR::modifySizeParams(int&, int&) {}
-void OrvelDRR::drrUpdateTexDetailMap(unsigned, int, int) {}
+bool OrvelDRR::checkIllegalSize(int, int) const { return false; }
+void OrvelDRR::updateTexDetailMap(unsigned, int, int) {}
 void OrvelDRR::markCurrentFramebuffer(unsigned, unsigned) {}
 void OrvelDRR::updateFramebufferDetailMap(unsigned, unsigned&) {}
 void OrvelDRR::modifyBindedTexture(unsigned&) {}

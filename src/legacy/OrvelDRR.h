@@ -23,7 +23,9 @@ public:
     bool isEnabled() const { return mEnable; }
 
     void modifySizeParams(int& width, int& height);
-    void drrUpdateTexDetailMap(unsigned format, int width, int height);
+    /** @return whether the size is one that switches the feature off for good */
+    bool checkIllegalSize(int width, int height) const;
+    void updateTexDetailMap(unsigned format, int width, int height);
     void markCurrentFramebuffer(unsigned target, unsigned framebuffer);
     void updateFramebufferDetailMap(unsigned attachment, unsigned& texture);
     void modifyBindedTexture(unsigned& texture);
@@ -58,7 +60,6 @@ inline orvel::OrvelDRR* usableDRR() {
         }                                                                                                              \
     }
 ORVEL_FORWARD_TO_DRR(drrModifySizeParams, modifySizeParams, (int& w, int& h), (w, h))
-ORVEL_FORWARD_TO_DRR(drrUpdateTexDetailMap, drrUpdateTexDetailMap, (unsigned format, int w, int h), (format, w, h))
 ORVEL_FORWARD_TO_DRR(drrMarkCurrentFramebuffer, markCurrentFramebuffer, (unsigned target, unsigned fb), (target, fb))
 ORVEL_FORWARD_TO_DRR(drrUpdateFramebufferDetailMap, updateFramebufferDetailMap, (unsigned attachment, unsigned& tex),
                      (attachment, tex))
@@ -72,5 +73,13 @@ ORVEL_FORWARD_TO_DRR(drrMarkCurrentProgram, markCurrentProgram, (unsigned progra
 ORVEL_FORWARD_TO_DRR(drrActiveTexture, activeTexture, (unsigned unit), (unit))
 ORVEL_FORWARD_TO_DRR(drrMarkLabelObject, markLabelObject, (unsigned object, const char* label), (object, label))
 #undef ORVEL_FORWARD_TO_DRR
+
+/** Records a render target that is being allocated, unless its size is an illegal one. */
+inline void drrUpdateTexDetailMap(unsigned format, int w, int h) {
+    orvel::OrvelDRR* drr = usableDRR();
+    if (drr && !drr->checkIllegalSize(w, h)) {
+        drr->updateTexDetailMap(format, w, h);
+    }
+}
 
 } // namespace android

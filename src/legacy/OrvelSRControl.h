@@ -11,6 +11,9 @@ class OrvelSRControl {
 public:
     static OrvelSRControl& getInstance();
 
+    /** Whether a configuration asks for the feature at all; read before each indexed draw. */
+    static bool isConfigured() { return false; }
+
     /** Takes the sizes from the preferences; called once at start-up. */
     void initSuperResolutionConfig();
     /** Once per swap: looks whether the switch changed. */

@@ -49,14 +49,16 @@ void overwrite(char* target, const std::string& old, const std::string& text) {
     if (written == static_cast<ssize_t>(length)) {
         return;
     }
-    const int error = errno;
+    const int error = written < 0 ? errno : EFAULT;
     if (written > 0) { // the text runs into memory that is not writable: take the first half back
         tryWrite(target, old, static_cast<size_t>(written));
     }
     static std::atomic<bool> said{false};
     if (!said.exchange(true)) {
-        ORVEL_LOGD("SHADER_REPLACE shader text at %p cannot be written (%s), left as it is", static_cast<void*>(target),
-                   strerror(written < 0 ? error : EFAULT));
+        // Constant text is usual; a kernel that refuses the call altogether is not.
+        ORVEL_LOG(error == EFAULT ? ANDROID_LOG_DEBUG : ANDROID_LOG_ERROR,
+                  "SHADER_REPLACE shader text at %p cannot be written (%s), left as it is", static_cast<void*>(target),
+                  strerror(error));
     }
 }
 

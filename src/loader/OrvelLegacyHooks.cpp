@@ -12,6 +12,7 @@
 #include "settings/OrvelSettings.h"
 #include "settings/orvel_modify_params.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
 
@@ -30,9 +31,9 @@ using next::GlTable;
 
 constexpr int kMarker = 0; // the pattern detectors read "0 elements" as a clear or an invalidation
 
-/** Rewrites a size through dynamic resolution when that is on, else through the Yuanshen sizes. */
-void modifySize(GLint& width, GLint& height) {
-    if (isOrvelDRREnable()) {
+/** Rewrites a size through dynamic resolution when that was on as the call began, else through the Yuanshen sizes. */
+void modifySize(bool dynamicResolution, GLint& width, GLint& height) {
+    if (dynamicResolution) {
         drrModifySizeParams(width, height);
     } else {
         modifyRenderPrecisionYuanshen(width, height, 0);
@@ -106,12 +107,12 @@ ORVEL_HOOK void GL_APIENTRY hookGlActiveTexture(GLenum texture) {
 // ---- rectangles ---------------------------------------------------------------------------------------
 
 ORVEL_HOOK void GL_APIENTRY hookGlViewport(GLint x, GLint y, GLsizei width, GLsizei height) {
-    modifySize(width, height);
+    modifySize(isOrvelDRREnable(), width, height);
     next::gl.glViewport(x, y, width, height);
 }
 
 ORVEL_HOOK void GL_APIENTRY hookGlScissor(GLint x, GLint y, GLsizei width, GLsizei height) {
-    modifySize(width, height);
+    modifySize(isOrvelDRREnable(), width, height);
     next::gl.glScissor(x, y, width, height);
 }
 
@@ -119,8 +120,9 @@ ORVEL_HOOK void GL_APIENTRY hookGlBlitFramebuffer(GLint srcX0, GLint srcY0, GLin
                                                   GLint dstY0, GLint dstX1, GLint dstY1, GLbitfield mask,
                                                   GLenum filter) {
     // Deliberately the far corners alone: a game's whole-target blits start at the origin.
-    modifySize(srcX1, srcY1);
-    modifySize(dstX1, dstY1);
+    const bool dynamicResolution = isOrvelDRREnable(); // one answer for both pairs
+    modifySize(dynamicResolution, srcX1, srcY1);
+    modifySize(dynamicResolution, dstX1, dstY1);
     next::gl.glBlitFramebuffer(srcX0, srcY0, srcX1, srcY1, dstX0, dstY0, dstX1, dstY1, mask, filter);
 }
 
@@ -229,6 +231,8 @@ public:
             mText = mCopy;
         }
     }
+    TerminatedLabel(const TerminatedLabel&) = delete; // points into itself
+    TerminatedLabel& operator=(const TerminatedLabel&) = delete;
     const char* get() const { return mText; }
 
 private:
@@ -287,18 +291,20 @@ EGLSurface EGLAPIENTRY hookEglCreateWindowSurface(EGLDisplay display, EGLConfig 
 
 // ---- the table ----------------------------------------------------------------------------------------
 
-// Whether anything behind a hook is switched on. Each must cover every feature that the hooks of its rows call.
+// Whether anything behind a hook is switched on. A feature that is added to a hook must be added here, too.
+namespace on {
 bool always() { return true; }
-bool dynamicResolution() { return isOrvelDRREnable(); }
 bool anisotropy() { return mEnableAFModify; }
-bool shadingRate() { return mEnableShadingRate; }
-bool yuanshenSizes() { return mEnableScaleResolutionSize; }
-bool sizes() { return isOrvelDRREnable() || yuanshenSizes(); }
-bool binding() { return isOrvelDRREnable() || mEnableHkrpgSceneRecognize || mEnableYSSceneRecognize; }
 bool clearPatterns() { return mEnableYSTransferRecognize || mEnableYSLaunchRecognize; }
+bool dynamicResolution() { return isOrvelDRREnable(); }
 bool patternHP() { return mEnableHPTransferRecognize; }
 bool patterns() { return clearPatterns() || patternHP(); }
-bool draw() { return shadingRate() || mEnableYSSceneRecognize || patterns(); }
+bool shadingRate() { return mEnableShadingRate; }
+bool yuanshenSizes() { return mEnableScaleResolutionSize || orvel::OrvelBackbufferControl::rewritesSizes(); }
+bool sizes() { return dynamicResolution() || yuanshenSizes(); }
+bool binding() { return dynamicResolution() || mEnableHkrpgSceneRecognize || mEnableYSSceneRecognize; }
+bool draw() { return shadingRate() || mEnableYSSceneRecognize || patterns() || orvel::OrvelSRControl::isConfigured(); }
+} // namespace on
 
 /**
  * What stands in the table for a hook: while nothing behind it is on, the call goes on to the driver without a stack
@@ -345,7 +351,7 @@ struct Gate<Slot, Hook, IsOn> {
     X(glReadPixels, hppkGlReadPixels, always)
 
 void installOrvelHooks(gl_hooks_t* table) {
-#define ORVEL_WRITE(entry, hook, isOn) table->gl.entry = Gate<&GlTable::entry, hook, isOn>::call;
+#define ORVEL_WRITE(entry, hook, condition) table->gl.entry = Gate<&GlTable::entry, hook, on::condition>::call;
     ORVEL_LEGACY_GL(ORVEL_WRITE)
 #undef ORVEL_WRITE
 }
@@ -357,7 +363,7 @@ void installVoHooks(egl_connection_t* cnx) {
 }
 
 void installOrvelPUBGHooks(gl_hooks_t* table) {
-    table->gl.glTexParameteri = Gate<&GlTable::glTexParameteri, hookGlTexParameteri, anisotropy>::call;
+    table->gl.glTexParameteri = Gate<&GlTable::glTexParameteri, hookGlTexParameteri, on::anisotropy>::call;
 }
 
 void installOrvelSGAMEHooks(egl_connection_t* cnx) {

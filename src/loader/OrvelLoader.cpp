@@ -18,7 +18,7 @@ namespace android {
 namespace {
 
 OrvelStubImpl impl;
-bool mInitialized = false; // initOrvel has run to its end, whatever it came to
+bool mInitialized = false; // initOrvel has run, whatever it came to
 
 gl_hooks_t* gles2Table(egl_connection_t* cnx) { return cnx ? cnx->hooks[egl_connection_t::GLESv2_INDEX] : nullptr; }
 
@@ -68,6 +68,7 @@ void OrvelStubImpl::initOrvel(egl_connection_t* cnx, bool) {
     if (mInitialized) {
         return;
     }
+    mInitialized = true;    // also for a disabled process and for a start that fails half-way: none tries again
     if (!gles2Table(cnx)) { // nothing to hook: the process stays disabled for good
         auto* prefs = orvel::OrvelSettings::getInstance().mPrefs;
         if (prefs && prefs->mEnabled) {
@@ -75,15 +76,19 @@ void OrvelStubImpl::initOrvel(egl_connection_t* cnx, bool) {
             ORVEL_LOGE("no GLES 2 table in connection %p, library disabled", static_cast<void*>(cnx));
         }
     }
-    if (orvel::isOrvelEnabled()) {
+    if (!orvel::isOrvelEnabled()) {
+        return;
+    }
+    try {
         orvel::next::InitNextFunctions(cnx, checkModuleExtensions); // before anything in cnx is overwritten
         if (orvel::app::UsingRenderController(0)) {
             installFramework(cnx);
         } else {
             installVoHooks(cnx);
         }
+    } catch (const std::exception& error) { // a failing start must not take the game with it
+        ORVEL_LOGE("installation failed: %s", error.what());
     }
-    mInitialized = true;
 }
 
 bool orvel::isOrvelEnabled() {
@@ -101,7 +106,7 @@ extern "C" __attribute__((visibility("default"))) void* createInstance() {
     android::orvel::createThreadSpecificKey();
     try {
         android::initGameSetting();
-    } catch (const std::exception& error) { // a failing start must not take the game with it
+    } catch (const std::exception& error) { // as above
         ORVEL_LOGE("start-up failed: %s", error.what());
     }
     return static_cast<android::OrvelStub*>(&android::impl);

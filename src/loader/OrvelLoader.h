@@ -35,7 +35,10 @@ private:
 
 namespace orvel {
 
-/** Tells whether the tuning service answered with a configuration for this process. Any thread; takes no lock. */
+/**
+ * Tells whether the tuning service answered with a configuration for this process and the driver has a GLES 2 table.
+ * Any thread; takes no lock.
+ */
 bool isOrvelEnabled();
 
 void hookEglCreateContext(int version);

@@ -6,14 +6,6 @@ namespace {
 
 constexpr size_t kUsualRecords = 32; // a step stores fewer kinds than this, so storing does not allocate
 
-void setEnabled(GLenum cap, bool enabled) {
-    if (enabled) {
-        gl.glEnable(cap);
-    } else {
-        gl.glDisable(cap);
-    }
-}
-
 } // namespace
 
 constinit const std::array<OrvelStateTracker::RestoreOperation, OrvelStateTracker::STATE_KIND_COUNT>
@@ -152,7 +144,11 @@ void OrvelStateTracker::StoreEnabled(GLenum cap, bool value) {
 
 void OrvelStateTracker::RestoreEnabled(uint32_t position) {
     const uint32_t cap = listIndexToCap[position];
-    setEnabled(cap, capEnabled[cap]);
+    if (capEnabled[cap]) {
+        gl.glEnable(cap);
+    } else {
+        gl.glDisable(cap);
+    }
 }
 
 void OrvelStateTracker::StoreFramebufferDraw() {

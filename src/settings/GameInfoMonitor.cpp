@@ -8,6 +8,7 @@
 #include <cstring>
 #include <exception>
 #include <fstream>
+#include <locale>
 #include <sstream>
 #include <sys/inotify.h>
 #include <unistd.h>
@@ -43,7 +44,10 @@ GameInfoMonitor& GameInfoMonitor::getInstance() {
     return monitor;
 }
 
-GameInfoMonitor::GameInfoMonitor() : mDebug(orvel::isDebugPropertySet()) {
+GameInfoMonitor::GameInfoMonitor()
+    : mPath(*new std::string(orvel::systemPath(kGameInfoPath))),
+      mProcess(getpid()),
+      mDebug(orvel::isDebugPropertySet()) {
     ORVEL_LOGI("Orvel GameInfoMonitor construct");
 }
 
@@ -51,11 +55,12 @@ GameInfoMonitor::~GameInfoMonitor() {
     // The process ends, and the thread with it, a moment later. Removing the watch wakes it once more: a name without
     // memory of its own is safe to compare even then.
     setPackageName("");
-    if (mWatchFd != -1) {
-        inotify_rm_watch(mInotifyFd, mWatchFd);
+    const int32_t fd = mInotifyFd.exchange(-1);   // the thread must not read from what the game opens under this number
+    if (mWatchFd != -1 && mProcess == getpid()) { // a forked child shares the watch with its parent, who needs it
+        inotify_rm_watch(fd, mWatchFd);
     }
-    if (mInotifyFd != -1) {
-        close(mInotifyFd);
+    if (fd != -1) {
+        close(fd);
     }
     ORVEL_LOGI("Orvel GameInfoMonitor destroyed");
 }
@@ -68,7 +73,7 @@ void GameInfoMonitor::start() {
         mInotifyFd = inotify_init();
     }
     if (mWatchFd == -1) {
-        mWatchFd = inotify_add_watch(mInotifyFd, orvel::systemPath(kGameInfoPath).c_str(), IN_CLOSE_WRITE);
+        mWatchFd = inotify_add_watch(mInotifyFd, mPath.c_str(), IN_CLOSE_WRITE);
     }
     if (mInotifyFd == -1 || mWatchFd == -1) {
         ORVEL_LOGE("Orvel fail to use INO for game info: %s", strerror(errno));
@@ -95,8 +100,12 @@ void GameInfoMonitor::eventProcess() {
     }
     ORVEL_LOGD_IF(mDebug, "start GameInfoMonitor thread");
     for (;;) {
-        // Valid while the thread runs: it is opened before the thread is made and closed when the process ends.
-        mReadLength = static_cast<int32_t>(read(mInotifyFd, mEvents, sizeof mEvents));
+        const int32_t fd = mInotifyFd;
+        if (fd == -1) { // the process ends
+            pause();
+            continue;
+        }
+        mReadLength = static_cast<int32_t>(read(fd, mEvents, sizeof mEvents));
         if (mReadLength < 1) {
             continue;
         }
@@ -110,7 +119,7 @@ void GameInfoMonitor::eventProcess() {
 }
 
 void GameInfoMonitor::updateGameInfo() {
-    std::ifstream file(orvel::systemPath(kGameInfoPath));
+    std::ifstream file(mPath);
     if (!file) {
         ORVEL_LOGE("Orvel open scendId path error: %s", strerror(errno)); // known by this text, whatever was opened
         return;
@@ -121,6 +130,7 @@ void GameInfoMonitor::updateGameInfo() {
             ORVEL_LOGI("gameInfo changed: %s", text.c_str());
         }
         std::istringstream line(text);
+        line.imbue(std::locale::classic()); // whatever the game's locale says of digits
         if (!applyLine(line)) {
             return;
         }

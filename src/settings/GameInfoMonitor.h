@@ -69,10 +69,12 @@ private:
     bool applyLine(std::istream& line);
     bool isOwnPackage(const std::string& package);
 
+    const std::string& mPath; // never freed: the thread outlives this object when the process ends
+    const pid_t mProcess;
     pthread_t mThread{};
     bool mStarted = false;
     const bool mDebug;
-    int32_t mInotifyFd = -1;
+    std::atomic<int32_t> mInotifyFd{-1}; // the monitor thread reads it while the process ends
     int32_t mWatchFd = -1;
     int32_t mReadLength = -1;
     char mEvents[kEventBufferBytes]; // received and not looked at: any event means that the file changed

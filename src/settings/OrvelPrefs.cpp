@@ -10,7 +10,9 @@
 #include <json/reader.h>
 
 #include <algorithm>
+#include <cctype>
 #include <exception>
+#include <utility>
 
 namespace com::velmor::ravelo {
 
@@ -26,31 +28,44 @@ constexpr int kLastKeySet = 15;
 constexpr int kKeySetAnisotropy = 3;
 constexpr int kKeySetDynamicFrameInterval = 15;
 
-void logMalformed(const char* key, const std::string& text) {
-    ORVEL_LOGE("configuration of \"%s\" is malformed: \"%s\"", key, text.c_str());
+constexpr size_t kMostLogged = 200; // characters of somebody else's text
+
+/** @return text as it can stand in one log line */
+std::string oneLine(std::string text) {
+    std::replace_if(
+        text.begin(), text.end(), [](unsigned char c) { return std::iscntrl(c); }, ' ');
+    if (text.size() > kMostLogged) {
+        text.replace(kMostLogged, text.npos, "...");
+    }
+    return text;
 }
 
-/** @return the root's object "configs", or null; what is wrong with the text is logged */
-Json::Value parseConfigs(const std::string& text) {
+void logMalformed(const char* key, const std::string& text) {
+    ORVEL_LOGE("configuration of \"%s\" is malformed: \"%s\"", key, oneLine(text).c_str());
+}
+
+/**
+ * What is wrong with the text is logged.
+ * @return the root's member "configs" or, when that is no object, null; nothing when the text is no JSON
+ */
+std::optional<Json::Value> parseConfigs(const std::string& text) {
     Json::Value root;
     try {
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wdeprecated-declarations" // its successor reads texts that this one refuses
         Json::Reader reader;
         if (!reader.parse(text, root, /*collectComments=*/true)) {
-            std::string problem = reader.getFormattedErrorMessages();
+            ORVEL_LOGE("configuration is no JSON: %s", oneLine(reader.getFormattedErrorMessages()).c_str());
 #pragma GCC diagnostic pop
-            std::replace(problem.begin(), problem.end(), '\n', ' ');
-            ORVEL_LOGE("configuration is no JSON: %s", problem.c_str());
-            return {};
+            return std::nullopt;
         }
     } catch (const std::exception& error) { // nested too deep
         ORVEL_LOGE("configuration is no JSON: %s", error.what());
-        return {};
+        return std::nullopt;
     }
     if (!root.isObject() || !root["configs"].isObject()) {
-        ORVEL_LOGE("configuration has no object \"configs\": %s", text.c_str());
-        return {};
+        ORVEL_LOGE("configuration has no object \"configs\": %s", oneLine(text).c_str());
+        return Json::Value();
     }
     return root["configs"];
 }
@@ -89,10 +104,11 @@ OrvelPrefs::OrvelPrefs() : mProcessorData(app::CreateProcessorData()) {}
 OrvelPrefs::~OrvelPrefs() { app::ReleaseProcessorData(mProcessorData); }
 
 void OrvelPrefs::readFromRavelo(const std::string& text) {
-    mConfigs = parseConfigs(text);
-    if (mConfigs.isNull()) {
+    std::optional<Json::Value> configs = parseConfigs(text);
+    if (!configs) {
         return;
     }
+    mConfigs = std::move(*configs);
     const android::OrvelApplicationType type = OrvelSettings::getInstance().mApplicationType;
     if (!app::UsingRenderController(type)) {
         for (int which = kFirstKeySet; which <= kLastKeySet; ++which) {
@@ -116,8 +132,9 @@ void OrvelPrefs::initProcessorData() {
     } catch (const std::exception& error) {
         // No half-built module list may stay: ids without their data, never checked against the driver.
         ORVEL_LOGE("configuration of the processor is malformed: %s", error.what());
+        app::OrvelProcessorDataBase* empty = app::CreateProcessorData();
         app::ReleaseProcessorData(mProcessorData);
-        mProcessorData = app::CreateProcessorData();
+        mProcessorData = empty;
     }
 }
 
@@ -267,6 +284,7 @@ void OrvelPrefs::derivePostProcessLowParams() {
 }
 
 void OrvelPrefs::queryDynamicResolution() {
+    mDRREnabled = false;
     if (textOf("drr_enable") != "1") { // the text, not the number: "01" leaves it off
         return;
     }
@@ -282,8 +300,7 @@ void OrvelPrefs::queryDynamicResolution() {
     case android::APP_TYPE_YUANSHEN:
         mDRREnabled = usable && !mDRRIllegalSizes.empty();
         break;
-    default:
-        mDRREnabled = false;
+    default: // other games have no dynamic resolution
         break;
     }
 }

@@ -12,9 +12,12 @@
 #include <binder/Parcel.h>
 #include <utils/String16.h>
 
+#include <atomic>
 #include <mutex>
+#include <string>
 #include <unistd.h>
 #include <unordered_map>
+#include <utility>
 
 namespace android::orvel {
 
@@ -55,7 +58,7 @@ OrvelSettings::OrvelSettings() : mPid(getpid()) {}
 OrvelSettings::~OrvelSettings() {
     sLastRecipient.clear(); // no notice may come for what is about to go
     replaceRemoteBinder(nullptr);
-    delete mPrefs;
+    delete std::exchange(mPrefs, nullptr); // render threads may still ask while the process ends
 }
 
 void OrvelSettings::init() {

@@ -95,6 +95,7 @@ void initSceneRecognition() {
                      mEnableHkrpgSceneRecognize || mEnableHPTransferRecognize;
     if (any && mSceneRecognizer == nullptr) {
         mSceneRecognizer = new SceneRecognizer;
+        mSceneRecognizer->incStrong(nullptr); // never freed: hooks may still run when the process ends
         mSceneRecognizer->startThread();
     }
 }

@@ -1,5 +1,5 @@
 // What the legacy features of this process are set to. Plain variables: their hooks run on every draw and read nothing
-// else. Written by initGameSetting() before any hook is installed, and afterwards only by the feature named.
+// else. Written by initGameSetting(), first before any hook is installed, and by the feature named.
 #pragma once
 
 #include "settings/OrvelTexSize.h"
@@ -68,7 +68,8 @@ extern int32_t mDFIInterval;       // milliseconds, -1 off; rewritten by the fra
 /**
  * Identifies the process, asks the tuning service, fills the variables above and creates the feature objects that the
  * answer asks for. Called for each createInstance, on the loader's initialising thread; a later call refreshes the
- * variables and creates no object a second time. Without an answer everything taken from it is 0 or false.
+ * variables and creates no object a second time. Without preferences everything taken from them is 0 or false,
+ * but for mDFIInterval (-1) and mEnableDynamicResolution (left alone).
  */
 void initGameSetting();
 

@@ -13,6 +13,13 @@ namespace {
 
 constexpr char kReplaceShaders[] = R"({"configs":{"shader_replace_config":"1"}})";
 
+constexpr char kEverything[] = R"({"configs":{"shader_replace_config":"1","tex_size":"1920x1080","shader_rate":"1",
+    "tex_param_anisotropy":"4","ys_scene_recognize":"1","ys_transfer_recognize":"1","ys_launch_recognize":"1",
+    "hkrpg_scene_recognize":"1","hp_transfer_recognize":"1","max_resolution":"1920x864",
+    "drr_enable":"1","drr_base_size":"1920x1080","drr_available_size":"960x540","drr_illegal_size":"1x1",
+    "dfi_interval":"100","orvel_sr_config":"1620x728;2712x1220",
+    "orvel_sr_backbuffer_size_config":"1,2,3,4,5,6,7,8"}})";
+
 const char kVertexShader[] = "#version 300 es\n"
                              "void main() {\n"
                              "    vec2 corner = vec2(gl_VertexID == 1 ? 3 : -1, gl_VertexID == 2 ? 3 : -1);\n"
@@ -136,7 +143,7 @@ class OldContext : public testing::TestWithParam<const char*> {};
 // Catches a hook that asks an older context what it does not know, and so leaves an error that the game finds.
 TEST_P(OldContext, GetsNoErrorsOfOurs) {
     setenv("MESA_GLES_VERSION_OVERRIDE", GetParam(), 1);
-    GameProcess game("com.miHoYo.Yuanshen", kReplaceShaders);
+    GameProcess game("com.miHoYo.Yuanshen", kEverything);
     game.makeCurrent(2);
     const std::string version = reinterpret_cast<const char*>(glGetString(GL_VERSION));
     EXPECT_THAT(version, HasSubstr(std::string("OpenGL ES ") + GetParam()));
@@ -162,7 +169,7 @@ INSTANTIATE_TEST_SUITE_P(Versions, OldContext, testing::Values("2.0", "3.0"),
 
 // Catches an error of the game's own that the hooks swallow.
 TEST(LegacyGame, KeepsItsOwnErrors) {
-    GameProcess game("com.miHoYo.Yuanshen", kReplaceShaders);
+    GameProcess game("com.miHoYo.Yuanshen", kEverything);
     game.makeCurrent();
     glBindFramebuffer(GL_TEXTURE_2D, 0); // no target of framebuffers
     glViewport(0, 0, 32, 32);

@@ -2,7 +2,6 @@
 // Only the calls and limits that the library uses; bodies in desktop/properties.cpp.
 #pragma once
 
-#define PROPERTY_KEY_MAX 32
 #define PROPERTY_VALUE_MAX 92 // terminator included
 
 extern "C" {
@@ -13,6 +12,6 @@ extern "C" {
  */
 int property_get(const char* key, char* value, const char* defaultValue);
 
-/** @return 0, or a negative number when key or value is too long */
+/** @return 0, or a negative number when the value is too long */
 int property_set(const char* key, const char* value);
 }

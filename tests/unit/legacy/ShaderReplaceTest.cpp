@@ -6,6 +6,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
 #include <string>
 #include <sys/mman.h>
@@ -94,8 +95,15 @@ TEST(UpdateShaderCode, LeavesTextAloneThatCannotBeWritten) {
     LogCapture log;
     const char* literal[] = {"precision mediump float; void main() {}"};
     updateShaderCode(1, 1, literal);
+    updateShaderCode(1, 1, literal);
     EXPECT_STREQ(literal[0], "precision mediump float; void main() {}");
     EXPECT_TRUE(log.has(ANDROID_LOG_DEBUG, "SHADER_REPLACE updateShaderCode: replaceShader success!"));
+
+    const auto said = log.texts(ANDROID_LOG_DEBUG);
+    EXPECT_EQ(std::count_if(said.begin(), said.end(),
+                            [](const std::string& line) { return line.find("cannot be written") != line.npos; }),
+              1)
+        << "once, not at every shader";
 
     const auto page = static_cast<size_t>(sysconf(_SC_PAGESIZE));
     auto* pages =

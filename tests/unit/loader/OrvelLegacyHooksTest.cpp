@@ -1,6 +1,7 @@
 #include "loader/OrvelLegacyHooks.h"
 
 #include "RecordingDriver.h"
+#include "legacy/SceneRecognizer.h"
 #include "next/OrvelNext.h"
 #include "settings/orvel_modify_params.h"
 
@@ -8,6 +9,8 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <functional>
+#include <utility>
 
 using namespace android;
 using android::orvel::next::GlTable;
@@ -27,9 +30,30 @@ protected:
 
 } // namespace
 
-// Catches a swallowed call, swapped arguments, an extra driver call of an idle feature, and a hook that forwards to
-// the hooked table (which would never return).
-TEST_F(LegacyHooks, IdleHooksForwardExactlyOneCall) {
+/** Sets every switch behind the hooks but dynamic resolution's; no feature object exists. */
+void switchOn(bool on) {
+    mEnableAFModify = on;
+    mTargetAFValue = 16;
+    mEnableShadingRate = on;
+    mEnableScaleResolutionSize = on;
+    for (bool* recognition : {&mEnableYSSceneRecognize, &mEnableYSTransferRecognize, &mEnableYSLaunchRecognize,
+                              &mEnableHkrpgSceneRecognize, &mEnableHPTransferRecognize}) {
+        *recognition = on;
+    }
+}
+
+struct Switches {
+    bool dynamicResolution;
+    bool others;
+};
+
+class ForwardingHooks : public LegacyHooks, public testing::WithParamInterface<Switches> {};
+
+// Catches a swallowed call, swapped arguments, an extra driver call of a feature that has nothing to do, and a hook that
+// forwards to the hooked table (which would never return): before the hooks' gates and behind them.
+TEST_P(ForwardingHooks, MakeExactlyOneCallWhereNothingIsToBeChanged) {
+    mEnableDynamicResolution = GetParam().dynamicResolution;
+    switchOn(GetParam().others);
     const GLuint names[] = {5, 6};
     const GLenum attachment = GL_DEPTH_ATTACHMENT;
     const void* indices = names;
@@ -62,6 +86,64 @@ TEST_F(LegacyHooks, IdleHooksForwardExactlyOneCall) {
                     call("glBindFramebuffer", 1, 2), call("glFramebufferTexture2D", 1, 2, 3, 4, 5),
                     call("glDeleteTextures", 2, names), call("glDeleteFramebuffers", 2, names), call("glUseProgram", 1),
                     call("glActiveTexture", 1), call("glReadPixels", 1, 2, 3, 4, 5, 6, &pixels[0])));
+}
+
+INSTANTIATE_TEST_SUITE_P(Switches, ForwardingHooks,
+                         testing::Values(Switches{false, false}, Switches{true, false}, Switches{false, true},
+                                         Switches{true, true}));
+
+/** Notes what it is fed. */
+class RecordingRecognizer : public SceneRecognizer {
+public:
+    void updateEleCountArr(const int& count) override { note("elements", count); }
+    void checkBossPattern() override { mFed.push_back("boss"); }
+    void checkTransferPattern(const int& count) override { note("transfer", count); }
+    void checkLaunchPattern(const int& count) override { note("launch", count); }
+    void checkTransferPatternHP(const int& count) override { note("HP", count); }
+
+    Calls take() { return std::exchange(mFed, {}); }
+
+private:
+    void note(const char* what, int count) { mFed.push_back(std::string(what) + " " + std::to_string(count)); }
+    Calls mFed;
+};
+
+// Catches a detector that is fed by the wrong calls or in another order, and a gate that does not open for its switch.
+TEST_F(LegacyHooks, FeedTheDetectorsInOrder) {
+    const sp<RecordingRecognizer> recognizer = new RecordingRecognizer;
+    mSceneRecognizer = recognizer;
+    const auto fedBy = [&](const std::function<void()>& callOfTheGame) {
+        callOfTheGame();
+        return recognizer->take();
+    };
+    const auto draw = [&] { mGame.glDrawElements(GL_TRIANGLES, 54, GL_UNSIGNED_SHORT, nullptr); };
+    const auto baseVertex = [&] { mGame.glDrawElementsBaseVertex(GL_TRIANGLES, 54, GL_UNSIGNED_SHORT, nullptr, 0); };
+    const auto clear = [&] { mGame.glClear(GL_DEPTH_BUFFER_BIT); };
+    const auto invalidate = [&] { mGame.glInvalidateFramebuffer(GL_FRAMEBUFFER, 0, nullptr); };
+
+    switchOn(true);
+    EXPECT_THAT(fedBy(draw), ElementsAre("boss", "elements 54", "transfer 54", "launch 54", "HP 54"));
+    EXPECT_THAT(fedBy(baseVertex), ElementsAre("transfer 54", "launch 54", "HP 54"));
+    EXPECT_THAT(fedBy(clear), ElementsAre("transfer 0", "launch 0"));
+    EXPECT_THAT(fedBy(invalidate), ElementsAre("HP 0"));
+    EXPECT_THAT(fedBy([&] { mGame.glDrawArrays(GL_TRIANGLES, 0, 54); }), ElementsAre());
+
+    switchOn(false);
+    mEnableYSSceneRecognize = true;
+    EXPECT_THAT(fedBy(draw), ElementsAre("boss", "elements 54"));
+    switchOn(false);
+    mEnableYSTransferRecognize = true;
+    EXPECT_THAT(fedBy(draw), ElementsAre("transfer 54"));
+    EXPECT_THAT(fedBy(clear), ElementsAre("transfer 0"));
+    switchOn(false);
+    mEnableYSLaunchRecognize = true;
+    EXPECT_THAT(fedBy(baseVertex), ElementsAre("launch 54"));
+    EXPECT_THAT(fedBy(clear), ElementsAre("launch 0"));
+    switchOn(false);
+    mEnableHPTransferRecognize = true;
+    EXPECT_THAT(fedBy(baseVertex), ElementsAre("HP 54"));
+    EXPECT_THAT(fedBy(invalidate), ElementsAre("HP 0"));
+    mSceneRecognizer = nullptr;
 }
 
 // Catches a game's array that is written or passed where a copy belongs, and a copy of a count that is not handled.
@@ -125,12 +207,14 @@ TEST_F(LegacyHooks, LabelsPassAsTheGameGaveThem) {
     const GLchar* unterminated = new GLchar[4]{'a', 'b', 'c', 'd'}; // the address sanitizer stands behind it
     const std::string longText(1000, 'x');
     mGame.glLabelObjectEXT(GL_TEXTURE, 1, 4, unterminated);
-    mGame.glLabelObjectEXT(GL_TEXTURE, 2, 0, "text");
+    const GLchar* text = "text";
+    mGame.glLabelObjectEXT(GL_TEXTURE, 2, 0, text);
     mGame.glLabelObjectEXT(GL_TEXTURE, 3, 1000, longText.c_str());
     mGame.glLabelObjectEXT(GL_TEXTURE, 4, 0, nullptr);
     const Calls calls = mDriver->calls();
     ASSERT_EQ(calls.size(), 4u);
     EXPECT_EQ(calls[0], call("glLabelObjectEXT", GL_TEXTURE, 1, 4, unterminated));
+    EXPECT_EQ(calls[1], call("glLabelObjectEXT", GL_TEXTURE, 2, 0, text));
     EXPECT_EQ(calls[2], call("glLabelObjectEXT", GL_TEXTURE, 3, 1000, longText.c_str()));
     EXPECT_EQ(calls[3], call("glLabelObjectEXT", GL_TEXTURE, 4, 0, nullptr));
     delete[] unterminated;

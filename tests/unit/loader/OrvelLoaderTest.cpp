@@ -1,6 +1,8 @@
 #include "loader/OrvelLoader.h"
 
+#include "LogCapture.h"
 #include "RecordingDriver.h"
+#include "app/OrvelProcessorDataBase.h"
 #include "loader/OrvelLegacyHooks.h"
 #include "loader/OrvelThreadKey.h"
 #include "next/OrvelNext.h"
@@ -11,6 +13,7 @@
 
 #include <cstring>
 #include <functional>
+#include <thread>
 
 using namespace android;
 using android::orvel::OrvelSettings;
@@ -67,6 +70,9 @@ TEST(OrvelStubImpl, KeepsItsSlotOrder) {
     const auto getGLThreadSpecific = reinterpret_cast<gl_hooks_t* (*)(OrvelStub*, const gl_hooks_t*)>(slots[2]);
     EXPECT_EQ(getGLThreadSpecific(&object, &table), &table);
     EXPECT_EQ(getGLThreadSpecific(&object, nullptr), nullptr);
+    reinterpret_cast<void (*)(OrvelStub*, int)>(slots[3])(&object, 3); // context made: nothing happens
+    reinterpret_cast<void (*)(OrvelStub*)>(slots[4])(&object);         // context gone: likewise
+    reinterpret_cast<void (*)(OrvelStub*)>(slots[6])(&object);         // swap ended: likewise
     EXPECT_TRUE(reinterpret_cast<bool (*)(OrvelStub*)>(slots[5])(&object)) << "isEnabled";
     WatchedConnection connection;
     reinterpret_cast<void (*)(OrvelStub*, egl_connection_t*)>(slots[8])(&object, connection.mDriver.connection());
@@ -90,10 +96,12 @@ TEST(InitOrvel, IsDisabledByAMissingTable) {
     enableFor(APP_TYPE_YUANSHEN);
     WatchedConnection connection;
     connection.mDriver.connection()->hooks[egl_connection_t::GLESv2_INDEX] = nullptr;
+    LogCapture log;
     stub().earlyInitOrvel(connection.mDriver.connection());
     EXPECT_FALSE(stub().isEnabled());
     EXPECT_TRUE(connection.untouched());
     EXPECT_NE(OrvelSettings::getInstance().mPrefs, nullptr) << "the preferences stay";
+    EXPECT_EQ(log.texts(ANDROID_LOG_ERROR).size(), 1u);
 }
 
 // Catches a null connection from a loader that has no driver.
@@ -119,6 +127,17 @@ TEST(InitOrvel, GivesALegacyProcessTheWholeHookTable) {
     const gl_hooks_t first = connection.mDriver.gles2();
     stub().earlyInitOrvel(connection.mDriver.connection());
     EXPECT_EQ(std::memcmp(&first, &connection.mDriver.gles2(), sizeof first), 0) << "once per process";
+}
+
+// Catches a start that never asks which modules the driver can serve, or asks after the answer was needed.
+TEST(InitOrvel, DropsModulesWhoseFunctionsTheDriverLacks) {
+    enableFor(APP_TYPE_SGAME);
+    auto* processorData = OrvelSettings::getInstance().mPrefs->mProcessorData;
+    processorData->moduleIds = {1, 2, 4};
+    processorData->extensionFunctions = {{"glShadingRateQCOM", {1}}, {"glNoSuchThing", {2}}};
+    WatchedConnection connection; // its eglGetProcAddress answers null
+    stub().earlyInitOrvel(connection.mDriver.connection());
+    EXPECT_EQ(processorData->moduleIds, std::vector<uint32_t>{4});
 }
 
 struct Override {
@@ -160,6 +179,7 @@ TEST(ThreadKey, GivesTheCallingThreadsTableWithHooksInACopy) {
     EXPECT_EQ(orvel::getThreadSpecific(), nullptr);
     orvel::setThreadSpecific(&driver.gles2());
     EXPECT_EQ(orvel::getThreadSpecific(), &driver.gles2());
+    std::thread([] { EXPECT_EQ(orvel::getThreadSpecific(), nullptr); }).join();
     gl_hooks_t* hooks = orvel::getGLHooks();
     EXPECT_EQ(hooks, &gOrvelHooks);
     EXPECT_EQ(hooks->gl.glUniform1i, driver.gles2().gl.glUniform1i);

@@ -12,13 +12,16 @@ using testing::ElementsAre;
 // Catches a copy that fills the connection instead of ours, or that leaves a hole a hook would fall into.
 TEST(InitNextFunctions, FillsHolesInTheCopyOnly) {
     RecordingDriver driver;
-    driver.gles2().gl.glLabelObjectEXT = nullptr;
-    driver.gles2().gl.glGetString = nullptr;
-    driver.gles2().gl.glCreateShader = nullptr;
+    const next::GlTable whole = driver.gles2().gl;
+    driver.gles2().gl = {};
+    driver.gles2().gl.glUseProgram = whole.glUseProgram;
     driver.connection()->platform.eglSwapBuffers = nullptr;
 
     next::InitNextFunctions(driver.connection());
 
+#define GL_ENTRY(Result, name, params, args, providers) EXPECT_NE(next::gl.name, nullptr) << #name;
+#include <entries/gl_entries.in>
+#undef GL_ENTRY
     EXPECT_EQ(next::gl.glLabelObjectEXT, &next::DummyLabelObjectEXT);
     next::gl.glLabelObjectEXT(GL_TEXTURE, 1, 0, "label");
     EXPECT_EQ(next::gl.glGetString(GL_VERSION), nullptr);

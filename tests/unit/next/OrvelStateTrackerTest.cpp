@@ -64,6 +64,7 @@ TEST_F(StateTracker, PutsBindingsBackInStoringOrder) {
 TEST_F(StateTracker, RestoresDisabledTestsByDisablingThem) {
     mTracker.StoreBlendState();
     mTracker.StoreStencilState();
+    EXPECT_THAT(mDriver->calls(), ElementsAre(call("glIsEnabled", GL_BLEND), call("glIsEnabled", GL_STENCIL_TEST)));
     mTracker.StoreDepthState();
     EXPECT_THAT(restore(), ElementsAre(call("glDisable", GL_BLEND), call("glDisable", GL_STENCIL_TEST),
                                        call("glDepthMask", 0), call("glDisable", GL_DEPTH_TEST)));

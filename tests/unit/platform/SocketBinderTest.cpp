@@ -134,8 +134,8 @@ TEST_F(SocketBinderTest, DeathEndsTheCallAndIsTold) {
     std::promise<void> told;
     sp<IBinder> binder = find();
     const sp<Recipient> held = new Recipient(died);
-    EXPECT_EQ(binder->linkToDeath(held), NO_ERROR);
     EXPECT_EQ(binder->linkToDeath(new Recipient(told)), NO_ERROR); // gone at once: binders hold recipients weakly
+    EXPECT_EQ(binder->linkToDeath(held), NO_ERROR);                // told after the other, had that one lived
     Parcel request;
     Parcel reply;
     EXPECT_EQ(binder->transact(1, request, &reply), DEAD_OBJECT);

@@ -126,12 +126,12 @@ TEST(GameInfoMonitor, FollowsTheFile) {
     EXPECT_TRUE(log.has(ANDROID_LOG_ERROR, "Orvel fail to use INO for game info: No such file or directory"));
     EXPECT_EQ(monitorThreads(), 0);
 
-    root.write(kPath, "1 my.game 1\n");
+    root.write(kPath, "3 any.game 7\n"); // applies to every package, were it read
     monitor.start();
     monitor.start();
     EXPECT_EQ(monitorThreads(), 1);
     monitor.setPackageName("my.game"); // as at start-up: the name comes after the start
-    EXPECT_EQ(OrvelSettings::getInstance().getSceneId(), 0);
+    EXPECT_EQ(OrvelSettings::getInstance().getVrsLevel(), 0);
     root.write(kPath, "1 my.game 2\n");
     EXPECT_TRUE(waitForScene(2));
     root.write(kPath, "1 my.game 3\n");
