@@ -1,5 +1,6 @@
 #include "Observers.h"
 
+#include "RenderTargets.h"
 #include "Report.h"
 
 #include <atomic>
@@ -61,6 +62,7 @@ void observe(GlTable* gl, egl_t* egl) {
     if (gl->glShaderSource) {
         gl->glShaderSource = observeShaderSource;
     }
+    observeRenderTargets(gl);
 #define ORVEL_OBSERVE(name, counter)                                                                                   \
     if (egl->name) {                                                                                                   \
         egl->name = CountedEgl<&egl_t::name, counter>::call;                                                           \

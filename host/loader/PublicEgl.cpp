@@ -4,6 +4,7 @@
 #include "Library.h"
 #include "Loader.h"
 #include "PublicGl.h"
+#include "RenderTargets.h"
 #include "Report.h"
 #include "ThreadTable.h"
 
@@ -89,14 +90,17 @@ EGLBoolean afterSwap(EGLBoolean swapped) {
 }
 
 EGLBoolean EGLAPIENTRY swapBuffers(EGLDisplay dpy, EGLSurface surface) {
+    const SwapScope swap;
     return afterSwap(forward::eglSwapBuffers(dpy, surface));
 }
 
 EGLBoolean EGLAPIENTRY swapBuffersWithDamageEXT(EGLDisplay dpy, EGLSurface surface, const EGLint* rects, EGLint n) {
+    const SwapScope swap;
     return afterSwap(forward::eglSwapBuffersWithDamageEXT(dpy, surface, rects, n));
 }
 
 EGLBoolean EGLAPIENTRY swapBuffersWithDamageKHR(EGLDisplay dpy, EGLSurface surface, const EGLint* rects, EGLint n) {
+    const SwapScope swap;
     return afterSwap(forward::eglSwapBuffersWithDamageKHR(dpy, surface, rects, n));
 }
 

@@ -87,15 +87,25 @@ void reportRenderer(const GlTable& driver) {
     }
 }
 
-void writeBesideReport(const std::string& name, const std::string& suffix, std::string_view text) {
+namespace {
+void putBesideReport(const std::string& name, const std::string& suffix, std::string_view text, int mode) {
     const std::string path = desktop::underRoot("/orvel/" + name + "." + std::to_string(getpid()) + suffix);
-    const int fd = open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
+    const int fd = open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC | mode, 0644);
     if (fd < 0 || write(fd, text.data(), text.size()) != static_cast<ssize_t>(text.size())) {
         RIG_LOGE("cannot write %s", path.c_str());
     }
     if (fd >= 0) {
         close(fd);
     }
+}
+} // namespace
+
+void writeBesideReport(const std::string& name, const std::string& suffix, std::string_view text) {
+    putBesideReport(name, suffix, text, O_TRUNC);
+}
+
+void appendBesideReport(const std::string& name, const std::string& suffix, std::string_view text) {
+    putBesideReport(name, suffix, text, O_APPEND);
 }
 
 } // namespace android::rig

@@ -31,6 +31,9 @@ void reportRenderer(const GlTable& driver);
 /** Writes a text beside the report: orvel/<name>.<pid><suffix>. */
 void writeBesideReport(const std::string& name, const std::string& suffix, std::string_view text);
 
+/** Adds a text to the end of such a file. */
+void appendBesideReport(const std::string& name, const std::string& suffix, std::string_view text);
+
 /** The file itself. */
 ReportLayout& report();
 

@@ -17,7 +17,9 @@ namespace android::rig {
     X(SHADERS, shadersSeen)                                                                                            \
     X(SHADERS_REWRITTEN, shadersRewritten)                                                                             \
     X(SHADER_BYTES_BEFORE, firstRewrittenShaderBytesBefore)                                                            \
-    X(SHADER_BYTES_AFTER, firstRewrittenShaderBytesAfter)
+    X(SHADER_BYTES_AFTER, firstRewrittenShaderBytesAfter)                                                              \
+    X(SWITCHES, resolutionSwitches)                                                                                    \
+    X(TEXTURES_REPLACED, texturesReplaced)
 
 #define ORVEL_COUNTER_NAME(name, jsonName) name,
 enum Counter { ORVEL_COUNTERS(ORVEL_COUNTER_NAME) COUNTER_COUNT };

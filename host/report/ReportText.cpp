@@ -41,7 +41,10 @@ std::string summaryOf(const ReportLayout& report) {
     line += ", " + number(report.counters[PROGRAM_SWAPS], "frame") + " swapped";
     if (report.enabled) {
         line += ", " + std::to_string(report.counters[SHADERS_REWRITTEN]) + " of " +
-                number(report.counters[SHADERS], "shader") + " rewritten";
+                number(report.counters[SHADERS], "shader") + " rewritten, " +
+                std::to_string(report.counters[SWITCHES]) + " resolution switch" +
+                (report.counters[SWITCHES] == 1 ? "" : "es") + " with " +
+                number(report.counters[TEXTURES_REPLACED], "texture") + " replaced";
     }
     return line;
 }

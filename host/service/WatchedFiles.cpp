@@ -24,7 +24,8 @@ constexpr char kUsage[] = "usage: orvel-set ROOT NAME VALUE...\n"
                           "  vrs LEVEL                       shading level\n"
                           "  window small|full               small-window mode\n"
                           "  filter TYPE STRENGTH DARKEDGE   colour filter\n"
-                          "  info LINE                       one line of the game-information file, as it stands\n";
+                          "  info LINE                       one line of the game-information file, as it stands\n"
+                          "  dr WIDTHxHEIGHT                 size of the game's render targets\n";
 
 bool isNumber(const std::string& text) {
     char* end = nullptr;
@@ -78,6 +79,14 @@ int usage(const std::string& problem) {
     return 2;
 }
 
+int writeFile(const std::string& path, const std::string& content) {
+    if (!rewrite(path, content)) {
+        std::fprintf(stderr, "orvel-set: cannot write %s: %s\n", path.c_str(), strerror(errno));
+        return 1;
+    }
+    return 0;
+}
+
 int setGameInfo(const std::string& root, const std::string& line, size_t keyWords) {
     const std::string path = root + orvel::host::kWatchedFolder + "gameInfo";
     std::string content;
@@ -87,12 +96,29 @@ int setGameInfo(const std::string& root, const std::string& line, size_t keyWord
             content += old + "\n";
         }
     }
-    if (!rewrite(path, content + line + "\n")) {
-        std::fprintf(stderr, "orvel-set: cannot write %s: %s\n", path.c_str(), strerror(errno));
-        return 1;
+    const int status = writeFile(path, content + line + "\n");
+    if (status != 0) {
+        return status;
     }
     std::printf("%s: %s\n", path.c_str(), line.c_str());
     return 0;
+}
+
+/** One line with a package, a width and a height. */
+int setResolution(const std::string& root, const std::string& package, const std::string& size) {
+    int width = 0;
+    int height = 0;
+    char rest = 0;
+    if (std::sscanf(size.c_str(), "%dx%d%c", &width, &height, &rest) != 2 || width < 1 || height < 1) {
+        return usage("not a size: " + size);
+    }
+    const std::string path = root + orvel::host::kWatchedFolder + "dr";
+    const std::string line = package + " " + std::to_string(width) + " " + std::to_string(height);
+    const int status = writeFile(path, line + "\n");
+    if (status == 0) {
+        std::printf("%s: %s\n", path.c_str(), line.c_str());
+    }
+    return status;
 }
 
 } // namespace
@@ -114,6 +140,14 @@ int main(int argc, char** argv) {
         }
         return setGameInfo(root, line, 2);
     }
+    std::string package;
+    std::getline(std::ifstream(root + "/orvel/package") >> std::ws, package);
+    if (package.empty()) {
+        return usage("no package: " + root + "/orvel/package is missing or empty (orvel run writes it)");
+    }
+    if (name == "dr") {
+        return values.size() == 1 ? setResolution(root, package, values[0]) : usage("dr takes WIDTHxHEIGHT");
+    }
     const auto setting = kSettings.find(name);
     if (setting == kSettings.end()) {
         return usage("unknown name " + name);
@@ -128,11 +162,6 @@ int main(int argc, char** argv) {
         if (!isNumber(value)) {
             return usage("not a number: " + value);
         }
-    }
-    std::string package;
-    std::getline(std::ifstream(root + "/orvel/package") >> std::ws, package);
-    if (package.empty()) {
-        return usage("no package: " + root + "/orvel/package is missing or empty (orvel run writes it)");
     }
     return setGameInfo(root, setting->second.line(package, values), setting->second.keyWords);
 }
