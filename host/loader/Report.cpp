@@ -54,9 +54,9 @@ void openReport() {
     file->size = sizeof *file;
     file->pid = getpid();
     char program[sizeof file->program] = "";
-    if (const ssize_t length = readlink("/proc/self/exe", program, sizeof program - 1); length > 0) {
-        copyText(file->program, sizeof file->program, program);
-    }
+    // A trace player hides its own name behind that of the recorded program; then the command's name must do.
+    const bool known = readlink("/proc/self/exe", program, sizeof program - 1) > 0;
+    copyText(file->program, sizeof file->program, known ? program : program_invocation_name);
     std::memcpy(file->magic, ReportLayout::kMagic, sizeof file->magic);
     sReport.store(file, std::memory_order_release);
     pthread_atfork(nullptr, nullptr, forgetFileInChild);
