@@ -15,8 +15,8 @@ import sys
 import tempfile
 
 sys.path.insert(0, str(pathlib.Path(__file__).parent))
-import real_program  # noqa: E402  (one module a chapter)
-import page  # noqa: E402
+import real_program  # one module a chapter
+import page
 
 PROJECT = pathlib.Path(__file__).resolve().parents[2]
 

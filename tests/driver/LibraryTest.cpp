@@ -71,20 +71,22 @@ constexpr std::array<GLubyte, 4> kDrawn = {64, 128, 191, 255};
 // Catches an edit that does not reach the driver, or a text that it does not compile.
 TEST(LegacyGame, DriverHoldsTheRewrittenShader) {
     GameProcess game("com.miHoYo.Yuanshen", kReplaceShaders);
-    game.makeCurrent();
+    const Context context;
+    ASSERT_TRUE(context.makeCurrent());
     const std::string source = sourceOf(compile(GL_FRAGMENT_SHADER, kFragmentShader));
     EXPECT_THAT(source, HasSubstr("precision lowp float;\nout lowp vec4"));
     EXPECT_THAT(source, Not(HasSubstr("mediump")));
     EXPECT_THAT(game.log(), HasSubstr("SHADER_REPLACE updateShaderCode: replaceShader success!"));
     EXPECT_EQ(drawOnce(), kDrawn);
-    EXPECT_TRUE(eglSwapBuffers(game.display(), game.surface()));
+    EXPECT_TRUE(context.swap());
     EXPECT_EQ(glGetError(), GLenum(GL_NO_ERROR));
 }
 
 // Catches a crash of programs that keep their shaders in constants, as small ones do.
 TEST(LegacyGame, ShaderInAStringLiteralStaysAsItIs) {
     GameProcess game("com.miHoYo.Yuanshen", kReplaceShaders);
-    game.makeCurrent();
+    const Context context;
+    ASSERT_TRUE(context.makeCurrent());
     const GLuint shader = glCreateShader(GL_FRAGMENT_SHADER);
     const GLchar* strings[] = {kFragmentShader};
     glShaderSource(shader, 1, strings, nullptr);
@@ -103,7 +105,8 @@ class UnservedGame : public testing::TestWithParam<Disabled> {};
 // Catches a process that is changed although nobody asked for it.
 TEST_P(UnservedGame, IsLeftAlone) {
     GameProcess game(GetParam().package, GetParam().configuration);
-    game.makeCurrent();
+    const Context context;
+    ASSERT_TRUE(context.makeCurrent());
     EXPECT_EQ(sourceOf(compile(GL_FRAGMENT_SHADER, kFragmentShader)), kFragmentShader);
     EXPECT_EQ(drawOnce(), kDrawn);
     EXPECT_THAT(game.log(), HasSubstr(GetParam().log));
@@ -126,14 +129,16 @@ TEST(LargeAnswer, WorksUpToTheLimitOfATransaction) {
     std::string configuration = kReplaceShaders;
     configuration.resize(kRoom, ' ');
     GameProcess game("com.miHoYo.Yuanshen", configuration.c_str());
-    game.makeCurrent();
+    const Context context;
+    ASSERT_TRUE(context.makeCurrent());
     EXPECT_THAT(sourceOf(compile(GL_FRAGMENT_SHADER, kFragmentShader)), HasSubstr("lowp"));
 }
 
 TEST(LargeAnswer, FailsAboveTheLimit) {
     const std::string configuration(android::desktop::kMaxTransactionBytes / 2, ' ');
     GameProcess game("com.miHoYo.Yuanshen", configuration.c_str());
-    game.makeCurrent();
+    const Context context;
+    ASSERT_TRUE(context.makeCurrent());
     EXPECT_THAT(game.log(), HasSubstr("orvel:call remote service failed."));
     EXPECT_EQ(sourceOf(compile(GL_FRAGMENT_SHADER, kFragmentShader)), kFragmentShader);
 }
@@ -144,7 +149,8 @@ class OldContext : public testing::TestWithParam<const char*> {};
 TEST_P(OldContext, GetsNoErrorsOfOurs) {
     setenv("MESA_GLES_VERSION_OVERRIDE", GetParam(), 1);
     GameProcess game("com.miHoYo.Yuanshen", kEverything);
-    game.makeCurrent(2);
+    const Context context(2);
+    ASSERT_TRUE(context.makeCurrent());
     const std::string version = reinterpret_cast<const char*>(glGetString(GL_VERSION));
     EXPECT_THAT(version, HasSubstr(std::string("OpenGL ES ") + GetParam()));
     GLuint texture = 0;
@@ -160,7 +166,7 @@ TEST_P(OldContext, GetsNoErrorsOfOurs) {
     glClear(GL_COLOR_BUFFER_BIT);
     glDeleteFramebuffers(1, &framebuffer);
     glDeleteTextures(1, &texture);
-    eglSwapBuffers(game.display(), game.surface());
+    context.swap();
     EXPECT_EQ(glGetError(), GLenum(GL_NO_ERROR));
 }
 
@@ -170,7 +176,8 @@ INSTANTIATE_TEST_SUITE_P(Versions, OldContext, testing::Values("2.0", "3.0"),
 // Catches an error of the game's own that the hooks swallow.
 TEST(LegacyGame, KeepsItsOwnErrors) {
     GameProcess game("com.miHoYo.Yuanshen", kEverything);
-    game.makeCurrent();
+    const Context context;
+    ASSERT_TRUE(context.makeCurrent());
     glBindFramebuffer(GL_TEXTURE_2D, 0); // no target of framebuffers
     glViewport(0, 0, 32, 32);
     glUseProgram(0);

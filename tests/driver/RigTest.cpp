@@ -1,6 +1,5 @@
 // The rig between a program and Mesa: linked against the rig's libEGL and libGLESv2, with the real library under them.
-#include "DesktopBinder.h"
-#include "TestRoot.h"
+#include "GameProcess.h"
 #include "loader/ThreadTable.h"
 #include "report/ReportLayout.h"
 
@@ -10,9 +9,7 @@
 #include <gtest/gtest.h>
 #include <optional>
 #include <sstream>
-#include <sys/socket.h>
 #include <sys/wait.h>
-#include <thread>
 
 namespace {
 
@@ -41,70 +38,16 @@ ReportLayout reportOf(pid_t pid = getpid()) {
     return report;
 }
 
-/** A display without windows, one context and a small surface. */
-struct Context {
-    explicit Context(EGLint size = 8) {
-        display = eglGetPlatformDisplay(EGL_PLATFORM_SURFACELESS_MESA, EGL_DEFAULT_DISPLAY, nullptr);
-        EXPECT_TRUE(eglInitialize(display, nullptr, nullptr));
-        const EGLint configAttribs[] = {EGL_SURFACE_TYPE,    EGL_PBUFFER_BIT,    EGL_RED_SIZE, 8,
-                                        EGL_RENDERABLE_TYPE, EGL_OPENGL_ES3_BIT, EGL_NONE};
-        EGLConfig config = nullptr;
-        EGLint count = 0;
-        EXPECT_TRUE(eglChooseConfig(display, configAttribs, &config, 1, &count));
-        const EGLint surfaceAttribs[] = {EGL_WIDTH, size, EGL_HEIGHT, size, EGL_NONE};
-        surface = eglCreatePbufferSurface(display, config, surfaceAttribs);
-        const EGLint contextAttribs[] = {EGL_CONTEXT_MAJOR_VERSION, 3, EGL_NONE};
-        context = eglCreateContext(display, config, EGL_NO_CONTEXT, contextAttribs);
-        EXPECT_NE(EGL_NO_CONTEXT, context);
-    }
-    EGLBoolean makeCurrent() const { return eglMakeCurrent(display, surface, surface, context); }
-    EGLBoolean leave() const { return eglMakeCurrent(display, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT); }
-
-    EGLDisplay display;
-    EGLSurface surface;
-    EGLContext context;
-};
-
-/** What the tuning service answers, whatever it is asked. */
-struct Answer {
-    android::status_t status = android::NO_ERROR;
-    int32_t exception = 0;
-    std::string text = "";
-};
-
 class RigTest : public testing::Test {
 protected:
-    void TearDown() override {
-        if (mService.joinable()) {
-            shutdown(mListener, SHUT_RDWR);
-            mService.join();
-        }
-    }
-
     void bePackage(const char* package) { setenv("ORVEL_PACKAGE", package, 1); }
-
-    void offerService(const Answer& answer) {
-        mListener = android::desktop::listenAsService(getenv("ORVEL_ROOT"), "velmor.ravelo");
-        ASSERT_LE(0, mListener);
-        mService = std::thread([this, answer] {
-            android::desktop::serveClients(mListener,
-                                           [answer](uint32_t, const android::Parcel&, android::Parcel* reply) {
-                                               reply->writeInt32(answer.exception);
-                                               reply->writeString16(android::String16(answer.text.c_str()));
-                                               return answer.status;
-                                           });
-        });
-    }
 
     void enableLegacyLayer() {
         bePackage(kHookedPackage);
-        offerService({.text = kShaderReplacement});
+        mGame.offerService({.text = kShaderReplacement});
     }
 
-private:
-    TestRoot mRoot;
-    int mListener = -1;
-    std::thread mService;
+    GameProcess mGame{"org.example.game"};
 };
 
 // Catches a loader that believes the system's libraries, which answer every gl... name with a stub.
@@ -178,7 +121,7 @@ TEST_F(RigTest, TwoThreadsDrawIntoTheirOwnContexts) {
             GLubyte pixel[4] = {};
             glReadPixels(3, 3, 1, 1, GL_RGBA, GL_UNSIGNED_BYTE, pixel);
             ASSERT_EQ(expected, pixel[0]);
-            eglSwapBuffers(context.display, context.surface);
+            context.swap();
         }
         context.leave();
     };
@@ -206,7 +149,7 @@ TEST_F(RigTest, ReportTellsWhatWasChanged) {
     const auto asked = reinterpret_cast<PFNGLSHADERSOURCEPROC>(eglGetProcAddress("glShaderSource"));
     asked(shader, 1, &plain, nullptr);
     for (int frame = 0; frame < 3; ++frame) {
-        eglSwapBuffers(context.display, context.surface);
+        context.swap();
     }
     eglSwapBuffers(context.display, EGL_NO_SURFACE); // fails: no frame
 
@@ -231,7 +174,7 @@ TEST_F(RigTest, KilledProgramLeavesItsReport) {
     if (child == 0) {
         const Context context;
         context.makeCurrent();
-        eglSwapBuffers(context.display, context.surface);
+        context.swap();
         raise(SIGKILL);
     }
     int status = 0;
@@ -248,7 +191,7 @@ TEST_F(RigTest, RunsWithoutLibrary) {
     const Context context;
     EXPECT_TRUE(context.makeCurrent());
     EXPECT_NE(nullptr, glGetString(GL_VERSION));
-    EXPECT_TRUE(eglSwapBuffers(context.display, context.surface));
+    EXPECT_TRUE(context.swap());
     const ReportLayout report = reportOf();
     EXPECT_FALSE(report.libraryLoaded);
     EXPECT_NE(nullptr, strstr(report.libraryProblem, "/nonexistent/liborvel.so"));
@@ -268,7 +211,7 @@ class RigReason : public RigTest, public testing::WithParamInterface<NotEnabled>
 TEST_P(RigReason, SaysWhyNotEnabled) {
     bePackage(GetParam().package);
     if (GetParam().answer) {
-        offerService(*GetParam().answer);
+        mGame.offerService(*GetParam().answer);
     }
     eglGetDisplay(EGL_DEFAULT_DISPLAY);
     const ReportLayout report = reportOf();
@@ -281,12 +224,12 @@ TEST_P(RigReason, SaysWhyNotEnabled) {
 
 INSTANTIATE_TEST_SUITE_P(
     Reasons, RigReason,
-    testing::Values(
-        NotEnabled{"NotListed", "org.example.unlisted", Answer{.text = "{}"}, android::rig::NOT_LISTED},
-        NotEnabled{"ServiceAbsent", kHookedPackage, std::nullopt, android::rig::SERVICE_ABSENT},
-        NotEnabled{"CallFailed", kHookedPackage, Answer{android::FAILED_TRANSACTION}, android::rig::CALL_FAILED},
-        NotEnabled{"Exception", kHookedPackage, Answer{android::NO_ERROR, -3}, android::rig::SERVICE_EXCEPTION},
-        NotEnabled{"EmptyAnswer", kHookedPackage, Answer{}, android::rig::EMPTY_ANSWER}),
+    testing::Values(NotEnabled{"NotListed", "org.example.unlisted", Answer{"{}"}, android::rig::NOT_LISTED},
+                    NotEnabled{"ServiceAbsent", kHookedPackage, std::nullopt, android::rig::SERVICE_ABSENT},
+                    NotEnabled{"CallFailed", kHookedPackage, Answer{.status = android::FAILED_TRANSACTION},
+                               android::rig::CALL_FAILED},
+                    NotEnabled{"Exception", kHookedPackage, Answer{.exception = -3}, android::rig::SERVICE_EXCEPTION},
+                    NotEnabled{"EmptyAnswer", kHookedPackage, Answer{}, android::rig::EMPTY_ANSWER}),
     [](const auto& reason) { return reason.param.name; });
 
 } // namespace
