@@ -9,6 +9,7 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
@@ -57,6 +58,7 @@ struct Answer {
     std::string text = {};
     int32_t exception = 0;
     android::status_t status = android::NO_ERROR;
+    std::chrono::milliseconds delay{0};
 };
 
 /** Construct it before the first EGL call: the loader identifies the process then. */
@@ -88,6 +90,7 @@ public:
         mService = std::thread([this, answer] {
             android::desktop::serveClients(mListener,
                                            [answer](uint32_t, const android::Parcel&, android::Parcel* reply) {
+                                               std::this_thread::sleep_for(answer.delay);
                                                reply->writeInt32(answer.exception);
                                                reply->writeString16(android::String16(answer.text.c_str()));
                                                return answer.status;

@@ -122,6 +122,15 @@ INSTANTIATE_TEST_SUITE_P(
                              "pid: "}),
     [](const auto& reason) { return std::string(reason.param.name); });
 
+// Catches a start that goes on without the answer it waits for.
+TEST(SlowService, IsWaitedFor) {
+    GameProcess game("com.miHoYo.Yuanshen");
+    game.offerService({.text = kReplaceShaders, .delay = std::chrono::milliseconds(300)});
+    const Context context;
+    ASSERT_TRUE(context.makeCurrent());
+    EXPECT_THAT(sourceOf(compile(GL_FRAGMENT_SHADER, kFragmentShader)), HasSubstr("lowp"));
+}
+
 // Catches an answer at binder's limit that is lost, and one above it that is taken for an empty one.
 TEST(LargeAnswer, WorksUpToTheLimitOfATransaction) {
     // Exception code and length, two bytes a character, the terminator.
