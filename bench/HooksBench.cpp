@@ -1,6 +1,7 @@
-// orvel_bench: the cost of the legacy hooks with every feature off.
+// orvel_bench: the cost of the legacy hooks with every feature off, and with dynamic resolution on.
 //   orvel_bench [Google Benchmark's options]   times
 //   orvel_bench --count                        under callgrind: one dump per measurement, for instruction counts
+#include "DynamicResolution.h"
 #include "Floors.h"
 #include "NullDriver.h"
 #include "loader/OrvelLegacyHooks.h"
@@ -13,6 +14,7 @@
 
 #include <cstdio>
 #include <cstring>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -28,16 +30,22 @@ using orvel::next::GlTable;
 
 namespace {
 
+constexpr int kRecordedTextures = 64; // with dynamic resolution on
+
 gl_hooks_t sDirect;
 gl_hooks_t sFloor;
+gl_hooks_t sRewritingFloor;
 gl_hooks_t sHooked;
 egl_connection_t sConnection;
 
 void connect() {
     connectNullDriver(sConnection, sDirect);
+    nameTextures(sDirect.gl);
     orvel::next::InitNextFunctions(&sConnection);
     sFloor = sDirect;
     installFloors(sFloor.gl);
+    sRewritingFloor = sDirect;
+    installDynamicResolutionFloors(sRewritingFloor.gl, kRecordedTextures);
     sHooked = sDirect;
     installOrvelHooks(&sHooked);
 }
@@ -64,7 +72,17 @@ struct Way {
     gl_hooks_t* table;
 };
 
+const GLfloat kScreenSize[4] = {1920, 1080, 1 + 1 / 1920.0f, 1 + 1 / 1080.0f};
+
+// With dynamic resolution on: what is recorded is looked up, what has the base size is rewritten.
+const Call kRewritingCalls[] = {
+    {"glBindTexture 64 recorded", [](const GlTable& t) { t.glBindTexture(GL_TEXTURE_2D, 37); }},
+    {"glViewport rewritten", [](const GlTable& t) { t.glViewport(0, 0, 1920, 1080); }},
+    {"glUniform4fv rewritten", [](const GlTable& t) { t.glUniform4fv(0, 1, kScreenSize); }},
+};
+
 const Way kWays[] = {{"direct", &sDirect}, {"floor", &sFloor}, {"hook", &sHooked}};
+const Way kRewritingWays[] = {{"direct", &sDirect}, {"floor", &sRewritingFloor}, {"hook", &sHooked}};
 
 /** 64 KiB of shader text with a precision in every line, and a copy to be edited. */
 class ShaderText {
@@ -87,17 +105,42 @@ private:
     std::vector<char> mEdited;
 };
 
+/** Around one measurement: the feature on, as in a game that is being played. */
+class Game {
+public:
+    explicit Game(int textures) { playGame(sHooked.gl, textures); }
+    ~Game() { endGame(); }
+};
+
 void registerTimes() {
-    for (const Call& call : kCalls) {
-        for (const Way& way : kWays) {
-            benchmark::RegisterBenchmark((std::string(call.name) + "/" + way.name).c_str(),
-                                         [&call, &way](benchmark::State& state) {
-                                             for (auto _ : state) {
-                                                 call.make(way.table->gl);
-                                             }
-                                         });
+    const auto registerCall = [](const Call& call, const Way& way, bool rewriting) {
+        benchmark::RegisterBenchmark((std::string(call.name) + "/" + way.name).c_str(),
+                                     [&call, &way, rewriting](benchmark::State& state) {
+                                         std::optional<Game> game;
+                                         if (rewriting) {
+                                             game.emplace(kRecordedTextures);
+                                         }
+                                         for (auto _ : state) {
+                                             call.make(way.table->gl);
+                                         }
+                                     });
+    };
+    for (const Way& way : kWays) {
+        for (const Call& call : kCalls) {
+            registerCall(call, way, false);
         }
     }
+    for (const Way& way : kRewritingWays) {
+        for (const Call& call : kRewritingCalls) {
+            registerCall(call, way, true);
+        }
+    }
+    benchmark::RegisterBenchmark("switch/of 8 textures", [](benchmark::State& state) {
+        const Game game(8);
+        for (auto _ : state) {
+            switchResolution();
+        }
+    });
     for (const int value : {-1, 1}) {
         benchmark::RegisterBenchmark(value == 1 ? "glShaderSource 64 KiB/replaced" : "glShaderSource 64 KiB/copy only",
                                      [value](benchmark::State& state) {
@@ -113,15 +156,24 @@ void registerTimes() {
 
 void countInstructions() {
     constexpr int kTimes = 1000;
+    const auto count = [](const Call& call, const Way& way) {
+        call.make(way.table->gl); // the first call resolves what is resolved lazily
+        CALLGRIND_ZERO_STATS;
+        for (int i = 0; i < kTimes; ++i) {
+            call.make(way.table->gl);
+        }
+        const std::string label = std::string(call.name) + "/" + way.name;
+        CALLGRIND_DUMP_STATS_AT(label.c_str());
+    };
     for (const Call& call : kCalls) {
         for (const Way& way : kWays) {
-            call.make(way.table->gl); // the first call resolves what is resolved lazily
-            CALLGRIND_ZERO_STATS;
-            for (int i = 0; i < kTimes; ++i) {
-                call.make(way.table->gl);
-            }
-            const std::string label = std::string(call.name) + "/" + way.name;
-            CALLGRIND_DUMP_STATS_AT(label.c_str());
+            count(call, way);
+        }
+    }
+    const Game game(kRecordedTextures);
+    for (const Call& call : kRewritingCalls) {
+        for (const Way& way : kRewritingWays) {
+            count(call, way);
         }
     }
 }

@@ -15,6 +15,7 @@ import sys
 import tempfile
 
 sys.path.insert(0, str(pathlib.Path(__file__).parent))
+import dynamic_resolution
 import real_program  # one module a chapter
 import page
 
@@ -40,17 +41,17 @@ class Stage:
         if done.returncode != 0:
             raise RuntimeError(f"{command[0]} ended with {done.returncode}:\n{path.read_text()[-2000:]}")
 
-    def run_under_library(self, name, program, configuration=None, options=(), **more):
+    def run_under_library(self, name, program, configuration=None, package="com.miHoYo.Yuanshen", **more):
         """Runs a program through the launcher and answers its report. configuration None: the library is left out."""
         root = self.scratch / name
         root.mkdir()
-        command = [self.launcher, "run", "--package", "com.miHoYo.Yuanshen", "--root", root, "--json", root / "report.json"]
+        command = [self.launcher, "run", "--package", package, "--root", root, "--json", root / "report.json"]
         if configuration is None:
             command += ["--without"]
         else:
             (self.out / f"{name}.config.json").write_text(json.dumps(configuration, indent=4) + "\n")
             command += ["--config", self.out / f"{name}.config.json"]
-        self.run([*command, *options, "--", *program], f"{name}.log", **more)
+        self.run([*command, "--", *program], f"{name}.log", **more)
         report = json.loads((root / "report.json").read_text())
         if not report["processes"]:
             raise RuntimeError(f"{name}: {report['summary']}")
@@ -91,7 +92,7 @@ def main():
     problems = []
     with tempfile.TemporaryDirectory() as scratch:
         stage = Stage(out, pathlib.Path(scratch))
-        for chapter in (real_program.chapter,):
+        for chapter in (real_program.chapter, dynamic_resolution.chapter):
             try:
                 title, content, found = chapter(stage)
             except (RuntimeError, subprocess.CalledProcessError, OSError) as error:

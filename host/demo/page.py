@@ -46,6 +46,30 @@ def source(title, text, word, kind):
     return f"<div><p><b>{escape(title)}</b></p><pre>{shown}</pre></div>"
 
 
+def line_chart(title, series, marks=()):
+    """An SVG of one line per series, x being the position in it; marks are vertical lines."""
+    width, height, left, top = 900, 260, 50, 20
+    count = max(len(values) for values in series.values())
+    most = max(max(values) for values in series.values()) * 1.05
+    x = lambda i: left + i * (width - left - 10) / max(count - 1, 1)
+    y = lambda v: top + (height - top - 30) * (1 - v / most)
+    parts = [f'<svg viewBox="0 0 {width} {height}" role="img" aria-label="{escape(title)}" style="font-size:12px">']
+    for step in range(5):
+        value = most * step / 4
+        parts.append(f'<line x1="{left}" x2="{width - 10}" y1="{y(value):.1f}" y2="{y(value):.1f}" stroke="#8884"/>'
+                     f'<text x="{left - 6}" y="{y(value) + 4:.1f}" text-anchor="end" fill="currentColor">{value:.0f}</text>')
+    for mark in marks:
+        parts.append(f'<line x1="{x(mark):.1f}" x2="{x(mark):.1f}" y1="{top}" y2="{height - 30}" stroke="#888" '
+                     'stroke-dasharray="4"/>')
+    for (name, values), colour in zip(series.items(), ("#c33", "#2a8a4a", "#36c")):
+        points = " ".join(f"{x(i):.1f},{y(v):.1f}" for i, v in enumerate(values))
+        parts.append(f'<polyline points="{points}" fill="none" stroke="{colour}" stroke-width="1.5"/>')
+        slot = list(series).index(name)
+        parts.append(f'<text x="{left + slot * 200}" y="{height - 6}" fill="{colour}">{escape(name)}</text>')
+    parts.append(f'<text x="{left}" y="12" fill="currentColor">{escape(title)}</text></svg>')
+    return "".join(parts)
+
+
 def write(folder, chapters):
     body = "\n".join(f"<h2>{escape(title)}</h2>\n{content}" for title, content in chapters)
     (pathlib.Path(folder) / "index.html").write_text(

@@ -31,11 +31,9 @@ using next::GlTable;
 
 constexpr int kMarker = 0; // the pattern detectors read "0 elements" as a clear or an invalidation
 
-/** Rewrites a size through dynamic resolution when that was on as the call began, else through the Yuanshen sizes. */
-void modifySize(bool dynamicResolution, GLint& width, GLint& height) {
-    if (dynamicResolution) {
-        drrModifySizeParams(width, height);
-    } else {
+/** Rewrites a size through dynamic resolution when that is on, else through the Yuanshen sizes. */
+void modifySize(GLint& width, GLint& height) {
+    if (!drrModifySizeParams(width, height)) {
         modifyRenderPrecisionYuanshen(width, height, 0);
     }
 }
@@ -59,8 +57,7 @@ ORVEL_HOOK void GL_APIENTRY hookGlTexStorage2D(GLenum target, GLsizei levels, GL
 }
 
 ORVEL_HOOK void GL_APIENTRY hookGlBindTexture(GLenum target, GLuint texture) {
-    if (isOrvelDRREnable()) {
-        drrMarkCurrentTexture(target, texture); // the game's own name, before it may be swapped
+    if (drrMarkCurrentTexture(target, texture)) { // the game's own name, before it may be swapped
         drrModifyBindedTexture(texture);
     }
     recognizeHkrpgTexture(texture);
@@ -69,50 +66,40 @@ ORVEL_HOOK void GL_APIENTRY hookGlBindTexture(GLenum target, GLuint texture) {
 }
 
 ORVEL_HOOK void GL_APIENTRY hookGlBindFramebuffer(GLenum target, GLuint framebuffer) {
-    if (isOrvelDRREnable()) {
-        drrMarkCurrentFramebuffer(target, framebuffer);
-    }
+    drrMarkCurrentFramebuffer(target, framebuffer);
     next::gl.glBindFramebuffer(target, framebuffer);
 }
 
 ORVEL_HOOK void GL_APIENTRY hookGlFramebufferTexture2D(GLenum target, GLenum attachment, GLenum textarget,
                                                        GLuint texture, GLint level) {
-    if (isOrvelDRREnable()) {
-        drrUpdateFramebufferDetailMap(attachment, texture);
-    }
+    drrUpdateFramebufferDetailMap(attachment, texture);
     next::gl.glFramebufferTexture2D(target, attachment, textarget, texture, level);
 }
 
 ORVEL_HOOK void GL_APIENTRY hookGlDeleteTextures(GLsizei n, const GLuint* textures) {
-    if (isOrvelDRREnable()) {
-        drrDeleteTextures(n, textures);
-    }
+    drrDeleteTextures(n, textures);
     next::gl.glDeleteTextures(n, textures);
 }
 
 ORVEL_HOOK void GL_APIENTRY hookGlDeleteFramebuffers(GLsizei n, const GLuint* framebuffers) {
-    if (isOrvelDRREnable()) {
-        drrDeleteFramebuffers(n, framebuffers);
-    }
+    drrDeleteFramebuffers(n, framebuffers);
     next::gl.glDeleteFramebuffers(n, framebuffers);
 }
 
 ORVEL_HOOK void GL_APIENTRY hookGlActiveTexture(GLenum texture) {
     next::gl.glActiveTexture(texture);
-    if (isOrvelDRREnable()) {
-        drrActiveTexture(texture);
-    }
+    drrActiveTexture(texture);
 }
 
 // ---- rectangles ---------------------------------------------------------------------------------------
 
 ORVEL_HOOK void GL_APIENTRY hookGlViewport(GLint x, GLint y, GLsizei width, GLsizei height) {
-    modifySize(isOrvelDRREnable(), width, height);
+    modifySize(width, height);
     next::gl.glViewport(x, y, width, height);
 }
 
 ORVEL_HOOK void GL_APIENTRY hookGlScissor(GLint x, GLint y, GLsizei width, GLsizei height) {
-    modifySize(isOrvelDRREnable(), width, height);
+    modifySize(width, height);
     next::gl.glScissor(x, y, width, height);
 }
 
@@ -120,9 +107,12 @@ ORVEL_HOOK void GL_APIENTRY hookGlBlitFramebuffer(GLint srcX0, GLint srcY0, GLin
                                                   GLint dstY0, GLint dstX1, GLint dstY1, GLbitfield mask,
                                                   GLenum filter) {
     // Deliberately the far corners alone: a game's whole-target blits start at the origin.
-    const bool dynamicResolution = isOrvelDRREnable(); // one answer for both pairs
-    modifySize(dynamicResolution, srcX1, srcY1);
-    modifySize(dynamicResolution, dstX1, dstY1);
+    if (drrModifySizeParams(srcX1, srcY1)) { // one answer for both pairs
+        drrModifySizeParams(dstX1, dstY1);
+    } else {
+        modifyRenderPrecisionYuanshen(srcX1, srcY1, 0);
+        modifyRenderPrecisionYuanshen(dstX1, dstY1, 0);
+    }
     next::gl.glBlitFramebuffer(srcX0, srcY0, srcX1, srcY1, dstX0, dstY0, dstX1, dstY1, mask, filter);
 }
 
@@ -176,9 +166,7 @@ ORVEL_HOOK void GL_APIENTRY hookShaderSource(GLuint shader, GLsizei count, const
 
 ORVEL_HOOK void GL_APIENTRY hookGlUseProgram(GLuint program) {
     next::gl.glUseProgram(program);
-    if (isOrvelDRREnable()) {
-        drrMarkCurrentProgram(program);
-    }
+    drrMarkCurrentProgram(program);
 }
 
 ORVEL_HOOK void GL_APIENTRY hookGlUniform4fv(GLint location, GLsizei count, const GLfloat* value) {
@@ -190,9 +178,7 @@ ORVEL_HOOK void GL_APIENTRY hookGlUniform4fv(GLint location, GLsizei count, cons
     }
     if (count == 1) {
         std::memcpy(copy, value, kVec4 * sizeof(GLfloat));
-        if (isOrvelDRREnable()) {
-            drrModifyShaderUniform4fv_1(location, copy);
-        } else {
+        if (!drrModifyShaderUniform4fv_1(location, copy)) {
             modifyRenderPrecisionYuanshenShaderUniform(1, copy); // deliberately the count, not the location
         }
         value = copy;
@@ -243,9 +229,7 @@ private:
 ORVEL_HOOK void GL_APIENTRY hookGlLabelObjectEXT(GLenum type, GLuint object, GLsizei length, const GLchar* label) {
     if (const TerminatedLabel text(length, label); text.get()) {
         markHkrpgTexture(object, text.get());
-        if (isOrvelDRREnable()) {
-            drrMarkLabelObject(object, text.get());
-        }
+        drrMarkLabelObject(object, text.get());
         orvel::OrvelSRControl::getInstance().recordFSRProgramByProgramLabel(type, object, text.get());
     }
     next::gl.glLabelObjectEXT(type, object, length, label);
@@ -378,9 +362,7 @@ gl_hooks_t* getOrvelHooks() {
 }
 
 __attribute__((visibility("default"))) void onEglSwapBuffersEnd() {
-    if (isOrvelDRREnable()) {
-        drrOnEglSwapBuffersEnd();
-    }
+    drrOnEglSwapBuffersEnd();
     recognizeHkrpgScene();
 }
 

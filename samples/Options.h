@@ -1,0 +1,38 @@
+// What the command line says.
+#pragma once
+
+#include <map>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace sample {
+
+struct Size {
+    int width = 0;
+    int height = 0;
+};
+
+constexpr int kNever = 0; // frames are counted from 1
+
+inline bool isReached(int frame, int from) { return from != kNever && frame >= from; }
+
+struct Options {
+    std::string game = "yuanshen";
+    int frames = 120;
+    Size window{1280, 720};
+    Size base{1920, 1080};
+    int work = 0;
+    std::string pictureFolder; // empty: no pictures
+    std::set<int> pictureFrames;
+    std::string timesFile;                            // empty: no times
+    std::map<int, std::vector<std::string>> commands; // by the frame they precede
+    int minFrameMilliseconds = 12;
+    int illegalProgramAt = kNever;
+    int restoreAt = kNever;
+};
+
+/** Exits: with 0 after --help, with 2 and one line on standard error when an option is wrong. */
+Options parseOptions(int argc, char** argv);
+
+} // namespace sample

@@ -1,0 +1,11 @@
+// The games there are: one function and one file each, and a row of the list in Game.cpp.
+#pragma once
+
+#include "Game.h"
+
+namespace sample {
+
+std::unique_ptr<Game> makeYuanshen(const Options& options);
+std::unique_ptr<Game> makeHkrpg(const Options& options);
+
+} // namespace sample

@@ -1,0 +1,45 @@
+// The watched file of dynamic resolution: one line with a package, a width and a height.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace android::orvel {
+
+/** Read again and again while a game runs, so nothing here allocates once the object exists. */
+class DrConfigFile {
+public:
+    /** What a line asks for. */
+    struct Request {
+        std::string_view package; // a package's name or a part of one; lies in the line
+        int32_t width;
+        int32_t height;
+    };
+
+    static constexpr size_t kLongestLine = 4096;
+
+    /** @param path absolute path on a device */
+    explicit DrConfigFile(const char* path);
+
+    /**
+     * Reads the file's first line.
+     * @return the line without its newline, good until the next call, cut off after kLongestLine + 1 characters;
+     *         nothing, and errno set, when there is none
+     */
+    std::optional<std::string_view> readLine();
+
+    /**
+     * Takes the three fields as a stream's >> would; what follows them is ignored.
+     * @return nothing, and errno set, when one is missing or no number of 32 bits, or the line is too long
+     */
+    static std::optional<Request> parse(std::string_view line);
+
+private:
+    std::string mPath;
+    char mBuffer[kLongestLine + 1]; // one more: it tells a line that just fits from a longer one
+};
+
+} // namespace android::orvel
