@@ -33,3 +33,11 @@ replace_config() {
     echo '{"configs": {"shader_replace_config": "1"}}' >"$scratch/replace.json"
     echo "$scratch/replace.json"
 }
+
+# Dynamic resolution on, for sizes that no program here uses.
+dynamic_config() {
+    cat >"$scratch/dynamic.json" <<'JSON'
+{"configs": {"drr_enable": "1", "drr_base_size": "1111x777", "drr_available_size": "555x333", "drr_illegal_size": "1x1"}}
+JSON
+    echo "$scratch/dynamic.json"
+}
