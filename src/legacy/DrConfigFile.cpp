@@ -74,12 +74,14 @@ std::optional<std::string_view> DrConfigFile::readLine() {
 }
 
 std::optional<DrConfigFile::Request> DrConfigFile::parse(std::string_view line) {
-    if (line.size() > kLongestLine) {
+    const bool cut = line.size() > kLongestLine;
+    Request request{takeWord(line), 0, 0};
+    const bool complete = takeInt(line, request.width) && takeInt(line, request.height);
+    if (cut && line.empty()) { // a field runs into what was not read
         errno = EMSGSIZE;
         return std::nullopt;
     }
-    Request request{takeWord(line), 0, 0};
-    if (!takeInt(line, request.width) || !takeInt(line, request.height)) {
+    if (!complete) {
         return std::nullopt;
     }
     return request;

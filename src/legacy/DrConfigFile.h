@@ -33,7 +33,7 @@ public:
 
     /**
      * Takes the three fields as a stream's >> would; what follows them is ignored.
-     * @return nothing, and errno set, when one is missing or no number of 32 bits, or the line is too long
+     * @return nothing, and errno set, when one is missing or no number of 32 bits, or lies too far behind
      */
     static std::optional<Request> parse(std::string_view line);
 

@@ -112,7 +112,8 @@ bool OrvelDRR::isTargetNew() const {
 
 /**
  * Replaces every recorded texture that is attached somewhere. What it leaves changed in the game's context is
- * deliberate: the clear colour, the texture bound to the active unit (0), the read framebuffer.
+ * deliberate: what is bound has lost its colour; the clear colour, the texture of the active unit (0) and the read
+ * framebuffer are ours; the draw framebuffer is the one that the game bound last, for whatever purpose.
  */
 void OrvelDRR::switchToTarget() {
     std::vector<uint32_t> handled; // a texture may be attached to several framebuffers

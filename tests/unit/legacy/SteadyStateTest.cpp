@@ -17,6 +17,14 @@ TEST(SteadyState, FramesAllocateNothing) {
     gl_hooks_t game{}; // a driver that has nothing: no call costs memory there
     egl_connection_t connection{};
     connection.hooks[egl_connection_t::GLESv2_INDEX] = &game;
+    game.gl.glGenTextures = [](GLsizei, GLuint* name) { // but names, and an answer to what is bound
+        static GLuint next = 100;
+        *name = next++;
+    };
+    game.gl.glGetIntegerv = [](GLenum, GLint* value) {
+        static GLint turn = 0;
+        *value = 1 + turn++ % 8;
+    };
     connection.platform.eglSwapBuffers = [](EGLDisplay, EGLSurface) { return EGLBoolean(EGL_TRUE); };
     orvel::next::InitNextFunctions(&connection);
     installVoHooks(&connection);
@@ -48,7 +56,8 @@ TEST(SteadyState, FramesAllocateNothing) {
         game.gl.glBindFramebuffer(GL_FRAMEBUFFER, texture);
         game.gl.glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, texture, 0);
     }
-    playFrame(); // the switch is in here
+    playFrame(); // the switch is in here, and in the next each replacement is rebound once
+    playFrame();
     TEX_SIZE size = kBase;
     drrModifySizeParams(size.width, size.height);
     ASSERT_EQ(size, (TEX_SIZE{960, 540}));
@@ -57,5 +66,6 @@ TEST(SteadyState, FramesAllocateNothing) {
         playFrame();
     }
     EXPECT_EQ(allocationsSoFar(), before);
+    mEnableDynamicResolution = false;
     mOrvelDRR = nullptr;
 }
