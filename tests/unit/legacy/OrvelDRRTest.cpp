@@ -1,117 +1,20 @@
 #include "legacy/OrvelDRR.h"
 
-#include "FakeClock.h"
-#include "LogCapture.h"
-#include "RecordingDriver.h"
-#include "TestRoot.h"
-#include "loader/OrvelLegacyHooks.h"
-#include "next/OrvelNext.h"
+#include "legacy/DynamicResolutionGame.h"
 
-#include <cutils/properties.h>
 #include <gmock/gmock.h>
 
 #include <cmath>
 #include <cstring>
-#include <filesystem>
-#include <regex>
 
 using namespace android;
 using namespace std::string_literals;
-using android::orvel::next::GlTable;
-using com::velmor::ravelo::TEX_SIZE;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::StartsWith;
 
-namespace com::velmor::ravelo {
-void PrintTo(const TEX_SIZE& size, std::ostream* out) { *out << size.width << 'x' << size.height; }
-} // namespace com::velmor::ravelo
-
 namespace {
-
-constexpr TEX_SIZE kBase = {1920, 1080};
-constexpr TEX_SIZE kSmall = {1280, 720};
-constexpr TEX_SIZE kTiny = {960, 540};
-constexpr TEX_SIZE kIllegal = {333, 444};
-
-/** A game that calls the hooked table; what reaches the driver is recorded. New names count up from 100 and 200. */
-class DynamicResolution : public testing::Test {
-protected:
-    void SetUp() override {
-        installVoHooks(mDriver->connection());
-        mDriver->answer<&GlTable::glGenTextures>([this](GLsizei, GLuint* name) { *name = mNextTexture++; });
-        mDriver->answer<&GlTable::glGenFramebuffers>([this](GLsizei, GLuint* name) { *name = mNextFramebuffer++; });
-        mDriver->answer<&GlTable::glDrawBuffers>([this](GLsizei, const GLenum* b) { mDrawBuffers.push_back(*b); });
-        mDriver->answer<&GlTable::glDeleteFramebuffers>(
-            [this](GLsizei, const GLuint* name) { mGone.push_back(*name); });
-    }
-
-    void start(const std::string& package = "com.example.game", bool debug = false, int interval = 10) {
-        // The last available size shares its height with kSmall, the one before its width.
-        mDrr = std::make_unique<orvel::OrvelDRR>(
-            true, debug, package, interval, std::vector{kBase, TEX_SIZE{2400, 1080}},
-            std::vector{kSmall, kTiny, TEX_SIZE{1280, 800}, TEX_SIZE{1000, 720}}, std::vector{kIllegal});
-        mOrvelDRR = mDrr.get();
-        mEnableDynamicResolution = true;
-    }
-    void allocate(GLuint texture, GLenum format = GL_RGBA8, TEX_SIZE size = kBase) {
-        mGame.glBindTexture(GL_TEXTURE_2D, texture);
-        mGame.glTexStorage2D(GL_TEXTURE_2D, 1, format, size.width, size.height);
-    }
-    void attach(GLuint framebuffer, GLenum point, GLuint texture) {
-        mGame.glBindFramebuffer(GL_FRAMEBUFFER, framebuffer);
-        mGame.glFramebufferTexture2D(GL_FRAMEBUFFER, point, GL_TEXTURE_2D, texture, 0);
-    }
-    void ask(const std::string& line) { mRoot.write("/data/system/mcd/dr", line); }
-    void swap() {
-        mClock.advanceMillis(10);
-        mPlatform.eglSwapBuffers(nullptr, nullptr);
-    }
-    void switchTo(TEX_SIZE size) {
-        ask("game " + std::to_string(size.width) + " " + std::to_string(size.height));
-        swap();
-    }
-    /** What a size that the game passes becomes. */
-    TEX_SIZE sizeOf(TEX_SIZE size) const {
-        drrModifySizeParams(size.width, size.height);
-        return size;
-    }
-    TEX_SIZE applied() const { return sizeOf(kBase); }
-    GLuint bound(GLuint texture) {
-        mDriver->forget();
-        mGame.glBindTexture(GL_TEXTURE_2D, texture);
-        GLuint name = 0;
-        EXPECT_EQ(std::sscanf(mDriver->calls().at(0).c_str(), "glBindTexture(3553, %u)", &name), 1);
-        return name;
-    }
-    /** What reached the driver's GL, without the addresses. */
-    Calls glCalls() const {
-        Calls calls;
-        for (const std::string& line : mDriver->calls()) {
-            if (line.find("platform.") != 0) {
-                calls.push_back(std::regex_replace(line, std::regex("0x[0-9a-f]+"), "*"));
-            }
-        }
-        return calls;
-    }
-
-    void TearDown() override {
-        mEnableDynamicResolution = false;
-        mOrvelDRR = nullptr;
-    }
-
-    TestRoot mRoot;
-    FakeClock mClock;
-    std::unique_ptr<RecordingDriver> mDriver = RecordingDriver::installed();
-    std::unique_ptr<orvel::OrvelDRR> mDrr;
-    GlTable& mGame = mDriver->gles2().gl;
-    platform_impl_t& mPlatform = mDriver->connection()->platform;
-    GLuint mNextTexture = 100;
-    GLuint mNextFramebuffer = 200;
-    std::vector<GLenum> mDrawBuffers;
-    std::vector<GLuint> mGone;
-};
 
 void append(Calls& calls, const Calls& more) { calls.insert(calls.end(), more.begin(), more.end()); }
 
@@ -475,95 +378,6 @@ TEST_F(DynamicResolution, OriginIsTheLastBaseSizeOfAnyCall) {
     mGame.glUniform4fv(0, 1, screen);
     swap();
     EXPECT_EQ(sizeOf({2400, 1080}), kBase);
-}
-
-// Catches a look at the file before its time, a rounded interval, and one below 10 ms taken as it is.
-TEST_F(DynamicResolution, LooksAtTheFileOncePerInterval) {
-    for (const auto& [interval, millis] : {std::pair{0, 10}, {25, 25}}) {
-        start("com.example.game", false, interval);
-        LogCapture log; // each look says that there is no file
-        const auto looks = [&] {
-            drrOnEglSwapBuffersEnd();
-            const auto lines = log.texts(ANDROID_LOG_ERROR);
-            return std::count(lines.begin(), lines.end(), "OrvelDRR, DR open fail: No such file or directory");
-        };
-        EXPECT_EQ(looks(), 1);
-        mClock.advanceNanos(millis * 1'000'000 - 1);
-        EXPECT_EQ(looks(), 1);
-        mClock.advanceNanos(1);
-        EXPECT_EQ(looks(), 2);
-        EXPECT_EQ(looks(), 2);
-    }
-}
-
-// ---- the configuration --------------------------------------------------------------------------------
-
-// Catches bad input that changes the target, goes unsaid or stops the game; a line of another package that is obeyed
-// or complained about; fields read in another way than a stream reads them.
-TEST_F(DynamicResolution, FileSetsTheTargetOrTheLogSaysWhyNot) {
-    const std::string small = "game 1280 720";
-    const auto padded = [&](size_t length) { return small + std::string(length - small.size(), ' '); };
-    const char binary[] = "\x7f\1\2\0 \xff\xfe 720";
-    const auto check = [&](const std::string& text, const std::vector<std::string>& errors, TEX_SIZE expected) {
-        SCOPED_TRACE(text.substr(0, 50));
-        start();
-        ask(text);
-        LogCapture log;
-        swap();
-        EXPECT_EQ(applied(), expected);
-        EXPECT_EQ(log.texts(ANDROID_LOG_ERROR), errors);
-        ask("game 960 540"); // and after anything at all a good line is taken
-        swap();
-        EXPECT_EQ(applied(), kTiny);
-    };
-    for (const std::string& good :
-         {"com.example.game 1280 720\n"s, "e.ga 1280 720"s, "\t game\v1280 \f 720\r\n"s, "game 1280 720abc def"s,
-          "game +1280+720"s, small + "\ngame 1000 720", padded(4096) + "\nx", padded(4096)}) {
-        check(good, {}, kSmall);
-    }
-    for (const char* ignored : {"com.other 1280 720", "com.other 1 1"}) {
-        check(ignored, {}, kBase);
-    }
-    const char open[] = "OrvelDRR, DR open fail: ";
-    const char parse[] = "OrvelDRR, DR parse error: ";
-    check("", {open + "No data available"s}, kBase);
-    for (const std::string& invalid : {"\ngame 1280 720"s, "game 1280"s, "game 1280abc 720"s, "game x 720"s,
-                                       "game +-1280 720"s, std::string(binary, sizeof binary)}) {
-        check(invalid, {parse + "Invalid argument"s}, kBase);
-    }
-    for (const char* large : {"game 2147483648 720", "game 1280 -99999999999999999999"}) {
-        check(large, {parse + "Numerical result out of range"s}, kBase);
-    }
-    // What follows the third field is ignored, however much it is; a field must lie within what is read.
-    check(padded(4097) + "\n", {}, kSmall);
-    for (const std::string& endless : {std::string(5000, ' ') + small, std::string(1 << 20, 'x')}) {
-        check(endless, {parse + "Message too long"s}, kBase);
-    }
-    for (const char* unavailable : {"game 0 0", "game -1280 -720", "game -1 -1", "game 1920 1080"}) {
-        check(unavailable, {"OrvelDRR, target size not available"}, kBase);
-    }
-}
-
-// Catches properties that are obeyed without debugging, that need an available size, or that only count after a
-// readable file; and a debug form of an error line that is lost.
-TEST_F(DynamicResolution, PropertiesForceTheTargetWhileDebugging) {
-    property_set("vendor.orvel.force_dr_target_width", "777");
-    start("com.example.game", true);
-    switchTo(kSmall);
-    EXPECT_EQ(applied(), kSmall); // without a height the width counts for nothing
-    property_set("vendor.orvel.force_dr_target_height", "555");
-    start();
-    ask("game 1 1");
-    swap();
-    EXPECT_EQ(applied(), kBase); // not without debugging
-    std::filesystem::remove(std::getenv("ORVEL_ROOT") + "/data/system/mcd/dr"s);
-    start("com.example.game", true);
-    LogCapture log;
-    swap();
-    EXPECT_EQ(applied(), (TEX_SIZE{777, 555})); // whether there is a file or not
-    switchTo({1, 2});
-    EXPECT_TRUE(log.has(ANDROID_LOG_DEBUG, "OrvelDRR, use force_target_resolution: 777x555"));
-    EXPECT_TRUE(log.has(ANDROID_LOG_ERROR, "OrvelDRR, target size not available, 1x2"));
 }
 
 // ---- Hkrpg --------------------------------------------------------------------------------------------
