@@ -15,12 +15,14 @@ namespace {
 constexpr char kUsage[] =
     R"(usage: orvel-sample [options]
   A game to drive the library with: draws a scene into render targets of the base size, copies the last one
-  to the window (a pbuffer, no display is needed) and draws a sharp user interface over it. What a frame looks
+  to the window (no display is needed) and draws a sharp user interface over it. What a frame looks
   like depends on its number alone.
 
-  --game yuanshen|hkrpg    whose habits of drawing (yuanshen)
+  --game NAME              whose habits of drawing: yuanshen, hkrpg, harrypotter (yuanshen)
   --frames N               frames to draw (120)
   --window WxH             size of the window (1280x720)
+  --x11                    a window on the X server that DISPLAY names
+  --thread-name NAME       name of the thread that owns the window (UnityMain, as the engine calls it)
   --base WxH               size of the render targets (1920x1080)
   --work N                 rounds of extra work per pixel of a render target, at most 60000 (0)
   --png DIR                where pictures go, as frame-0001.png
@@ -30,6 +32,10 @@ constexpr char kUsage[] =
                            The library looks at its files when a frame ends, so what COMMAND changes
                            shows from FRAME + 1 on.
   --min-frame-ms N         let a frame take at least so long (12, as the library looks every 10 ms at most)
+  --event-at FRAME:EVENT   from that frame on draw as the game does in a boss fight (yuanshen: boss), when it moves
+                           the player (yuanshen, harrypotter: teleport), when it starts (yuanshen: launch), in a
+                           place (hkrpg: city, x2, x21, square), or none of these: none; may be given several times
+  --screenshot FRAME:FILE  read the finished picture back at the base size, without the interface, into a PNG file
   --illegal-program-at N   from frame N on use the program "Dynamic Sky/Cube Ground Cloud" (yuanshen)
   --restore-at N           from frame N on bind the texture "CameraDesc"
   --help                   this text
@@ -82,13 +88,18 @@ std::set<int> frameList(const char* option, std::string_view text, int most) {
     }
 }
 
-void addCommand(const char* option, std::string_view text, int most, Options* options) {
+/** @param what stands behind the colon */
+std::pair<int, std::string> atFrame(const char* option, const char* what, std::string_view text, int most) {
     const size_t colon = text.find(':');
     if (colon == std::string_view::npos || colon + 1 == text.size()) {
-        wrong("%s wants FRAME:COMMAND, not \"%s\"", option, text.data());
+        wrong("%s wants FRAME:%s, not \"%s\"", option, what, text.data());
     }
-    const int frame = number(option, text.substr(0, colon), 1, most);
-    options->commands[frame].emplace_back(text.substr(colon + 1));
+    return {number(option, text.substr(0, colon), 1, most), std::string(text.substr(colon + 1))};
+}
+
+template <typename T>
+int lastFrame(const std::map<int, T>& byFrame) {
+    return byFrame.empty() ? 0 : byFrame.rbegin()->first;
 }
 
 void checkTogether(const Options& options) {
@@ -96,9 +107,10 @@ void checkTogether(const Options& options) {
         wrong("--png and --png-frames belong together");
     }
     const int lastPicture = options.pictureFrames.empty() ? 0 : *options.pictureFrames.rbegin();
-    const int lastCommand = options.commands.empty() ? 0 : options.commands.rbegin()->first;
     const std::pair<const char*, int> frames[] = {{"--png-frames", lastPicture},
-                                                  {"--at", lastCommand},
+                                                  {"--at", lastFrame(options.commands)},
+                                                  {"--event-at", lastFrame(options.events)},
+                                                  {"--screenshot", lastFrame(options.screenshots)},
                                                   {"--illegal-program-at", options.illegalProgramAt},
                                                   {"--restore-at", options.restoreAt}};
     for (const auto& [option, frame] : frames) {
@@ -124,6 +136,11 @@ Options parseOptions(int argc, char** argv) {
             std::fputs(kUsage, stdout);
             std::exit(0);
         }
+        if (option == "--x11") {
+            options.x11 = true;
+            --i; // there is no value
+            continue;
+        }
         if (i + 1 == argc) {
             wrong("unknown option or no value behind it: %s", argv[i]);
         }
@@ -137,6 +154,8 @@ Options parseOptions(int argc, char** argv) {
             options.frames = number(argv[i], value, 1, kMostFrames);
         } else if (option == "--window") {
             options.window = size(argv[i], value);
+        } else if (option == "--thread-name") {
+            options.threadName = value;
         } else if (option == "--base") {
             options.base = size(argv[i], value);
         } else if (option == "--work") {
@@ -148,7 +167,12 @@ Options parseOptions(int argc, char** argv) {
         } else if (option == "--csv") {
             options.timesFile = value;
         } else if (option == "--at") {
-            addCommand(argv[i], value, kMostFrames, &options);
+            const auto [frame, command] = atFrame(argv[i], "COMMAND", value, kMostFrames);
+            options.commands[frame].push_back(command);
+        } else if (option == "--event-at") {
+            options.events.insert(atFrame(argv[i], "EVENT", value, kMostFrames));
+        } else if (option == "--screenshot") {
+            options.screenshots.insert(atFrame(argv[i], "FILE", value, kMostFrames));
         } else if (option == "--min-frame-ms") {
             options.minFrameMilliseconds = number(argv[i], value, 0, kLongestFrame);
         } else if (option == "--illegal-program-at") {

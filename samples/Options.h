@@ -21,6 +21,8 @@ struct Options {
     std::string game = "yuanshen";
     int frames = 120;
     Size window{1280, 720};
+    bool x11 = false;
+    std::string threadName = "UnityMain";
     Size base{1920, 1080};
     int work = 0;
     std::string pictureFolder; // empty: no pictures
@@ -28,6 +30,8 @@ struct Options {
     std::string timesFile;                            // empty: no times
     std::map<int, std::vector<std::string>> commands; // by the frame they precede
     int minFrameMilliseconds = 12;
+    std::map<int, std::string> events;      // what is going on in the game, by the frame it begins with
+    std::map<int, std::string> screenshots; // files, by frame
     int illegalProgramAt = kNever;
     int restoreAt = kNever;
 };

@@ -28,13 +28,21 @@ void runCommands(const Options& options, int frame) {
     }
 }
 
-void writePicture(const Options& options, int frame) {
+/** The game makes no GL error of its own: what stands here comes from elsewhere. */
+void reportErrors(int frame) {
+    for (GLenum error = glGetError(); error != GL_NO_ERROR; error = glGetError()) {
+        std::fprintf(stderr, "orvel-sample: frame %d: GL error 0x%04x\n", frame, error);
+    }
+}
+
+void writePicture(const Options& options, const sample::Window& window, int frame) {
     if (options.pictureFrames.count(frame) == 0) {
         return;
     }
     char name[32];
     std::snprintf(name, sizeof(name), "/frame-%04d.png", frame);
-    sample::writePicture(options.pictureFolder + name, options.window);
+    glBindFramebuffer(GL_READ_FRAMEBUFFER, 0);
+    sample::writePicture(options.pictureFolder + name, window.size());
 }
 
 } // namespace
@@ -49,18 +57,19 @@ int main(int argc, char** argv) {
         }
         std::fputs("frame,milliseconds\n", times);
     }
-    sample::Window window(options.window);
+    sample::Window window(options);
     const auto game = sample::makeGame(options);
     for (int frame = 1; frame <= options.frames; ++frame) {
         runCommands(options, frame);
         const auto start = Clock::now();
         game->drawFrame(frame);
         glFinish();
+        reportErrors(frame);
         const std::chrono::duration<double, std::milli> taken = Clock::now() - start;
         if (times) {
             std::fprintf(times, "%d,%.3f\n", frame, taken.count());
         }
-        writePicture(options, frame);
+        writePicture(options, window, frame);
         std::this_thread::sleep_until(start + std::chrono::milliseconds(options.minFrameMilliseconds));
         window.swap();
     }

@@ -11,26 +11,32 @@ namespace android::rig {
 
 namespace {
 
-// To count one more call at the driver add a row: entry, counter.
-#define ORVEL_COUNTED_EGL(X)                                                                                           \
-    X(eglSwapBuffers, DRIVER_SWAPS)                                                                                    \
-    X(eglSwapBuffersWithDamageEXT, DRIVER_SWAPS)                                                                       \
-    X(eglSwapBuffersWithDamageKHR, DRIVER_SWAPS)
+// The entries that show a frame.
+#define ORVEL_SWAPS(X)                                                                                                 \
+    X(eglSwapBuffers)                                                                                                  \
+    X(eglSwapBuffersWithDamageEXT)                                                                                     \
+    X(eglSwapBuffersWithDamageKHR)
 
 egl_t sDriverEgl{}; // what the observers call; written at the start
 GlTable sDriverGl{};
 
-/** Passes the call on and counts it, if it did not answer false. */
-template <auto Slot, Counter kCounter>
-struct CountedEgl;
-template <typename R, typename... Params, R (*egl_t::*Slot)(Params...), Counter kCounter>
-struct CountedEgl<Slot, kCounter> {
-    static R EGLAPIENTRY call(Params... params) {
-        const R result = (sDriverEgl.*Slot)(params...);
-        if (result) {
-            count(kCounter);
+thread_local bool tSwapExpected = false;
+
+/** Passes the swap on and counts it, if it did not answer false. */
+template <auto Slot>
+struct CountedSwap;
+template <typename... Params, EGLBoolean (*egl_t::*Slot)(Params...)>
+struct CountedSwap<Slot> {
+    static EGLBoolean EGLAPIENTRY call(Params... params) {
+        const EGLBoolean swapped = (sDriverEgl.*Slot)(params...);
+        if (swapped) {
+            count(DRIVER_SWAPS);
+            if (!tSwapExpected) {
+                count(FRAMES_REPEATED);
+            }
+            tSwapExpected = false;
         }
-        return result;
+        return swapped;
     }
 };
 
@@ -63,13 +69,15 @@ void observe(GlTable* gl, egl_t* egl) {
         gl->glShaderSource = observeShaderSource;
     }
     observeRenderTargets(gl);
-#define ORVEL_OBSERVE(name, counter)                                                                                   \
+#define ORVEL_OBSERVE(name)                                                                                            \
     if (egl->name) {                                                                                                   \
-        egl->name = CountedEgl<&egl_t::name, counter>::call;                                                           \
+        egl->name = CountedSwap<&egl_t::name>::call;                                                                   \
     }
-    ORVEL_COUNTED_EGL(ORVEL_OBSERVE)
+    ORVEL_SWAPS(ORVEL_OBSERVE)
 #undef ORVEL_OBSERVE
 }
+
+void expectSwap() { tSwapExpected = true; }
 
 ShaderTextScope::ShaderTextScope(GLuint shader, GLsizei count, const GLchar* const* string, const GLint* length)
     : mShader(shader) {

@@ -10,6 +10,9 @@ namespace android::rig {
 /** Puts the driver-side observers in front of the driver's entries, before the library copies the tables. */
 void observe(GlTable* gl, egl_t* egl);
 
+/** The program swaps on this thread: the next swap that arrives at the driver is its own, further ones are repeated. */
+void expectSwap();
+
 /** While it lives, the calling thread's shader texts that arrive at the driver are compared with the program's. */
 class ShaderTextScope {
 public:

@@ -3,10 +3,16 @@
 #include "Driver.h"
 #include "Library.h"
 #include "Loader.h"
+#include "LogFile.h"
+#include "Observers.h"
 #include "PublicGl.h"
 #include "RenderTargets.h"
 #include "Report.h"
 #include "ThreadTable.h"
+#include "Windows.h"
+
+#include <cstring>
+#include <exception>
 
 namespace android::rig {
 
@@ -79,6 +85,21 @@ EGLBoolean EGLAPIENTRY releaseThread() {
     return released;
 }
 
+EGLSurface EGLAPIENTRY createWindowSurface(EGLDisplay dpy, EGLConfig config, EGLNativeWindowType window,
+                                           const EGLint* attribs) {
+    const platform_impl_t& platform = connection().platform;
+    try {
+        // Only for a library that takes part: other programs draw to their windows as without the rig.
+        if (gLibrary.stub && gLibrary.stub->isEnabled()) {
+            window = windowForLibrary(dpy, window);
+        }
+        return orNothing(platform.eglCreateWindowSurface)(dpy, config, window, attribs);
+    } catch (const std::exception& error) {
+        RIG_LOGE("no window surface: %s", error.what());
+        return EGL_NO_SURFACE;
+    }
+}
+
 EGLBoolean afterSwap(EGLBoolean swapped) {
     if (swapped) {
         count(PROGRAM_SWAPS);
@@ -89,20 +110,17 @@ EGLBoolean afterSwap(EGLBoolean swapped) {
     return swapped;
 }
 
-EGLBoolean EGLAPIENTRY swapBuffers(EGLDisplay dpy, EGLSurface surface) {
-    const SwapScope swap;
-    return afterSwap(forward::eglSwapBuffers(dpy, surface));
-}
-
-EGLBoolean EGLAPIENTRY swapBuffersWithDamageEXT(EGLDisplay dpy, EGLSurface surface, const EGLint* rects, EGLint n) {
-    const SwapScope swap;
-    return afterSwap(forward::eglSwapBuffersWithDamageEXT(dpy, surface, rects, n));
-}
-
-EGLBoolean EGLAPIENTRY swapBuffersWithDamageKHR(EGLDisplay dpy, EGLSurface surface, const EGLint* rects, EGLint n) {
-    const SwapScope swap;
-    return afterSwap(forward::eglSwapBuffersWithDamageKHR(dpy, surface, rects, n));
-}
+template <auto Slot>
+struct Swap;
+template <typename... More, EGLBoolean (*platform_impl_t::*Slot)(EGLDisplay, EGLSurface, More...)>
+struct Swap<Slot> {
+    static EGLBoolean EGLAPIENTRY call(EGLDisplay dpy, EGLSurface surface, More... more) {
+        const platform_impl_t& platform = connection().platform;
+        const SwapScope swap;
+        expectSwap();
+        return afterSwap(orNothing(platform.*Slot)(dpy, surface, more...));
+    }
+};
 
 AnyFunction EGLAPIENTRY getProcAddress(const char* name);
 
@@ -113,12 +131,13 @@ constexpr egl_t publicEgl() {
 #undef EGL_ENTRY
     table.eglBindAPI = bindApi;
     table.eglCreateContext = createContext;
+    table.eglCreateWindowSurface = createWindowSurface;
     table.eglDestroyContext = destroyContext;
     table.eglMakeCurrent = makeCurrent;
     table.eglReleaseThread = releaseThread;
-    table.eglSwapBuffers = swapBuffers;
-    table.eglSwapBuffersWithDamageEXT = swapBuffersWithDamageEXT;
-    table.eglSwapBuffersWithDamageKHR = swapBuffersWithDamageKHR;
+    table.eglSwapBuffers = Swap<&platform_impl_t::eglSwapBuffers>::call;
+    table.eglSwapBuffersWithDamageEXT = Swap<&platform_impl_t::eglSwapBuffersWithDamageEXT>::call;
+    table.eglSwapBuffersWithDamageKHR = Swap<&platform_impl_t::eglSwapBuffersWithDamageKHR>::call;
     table.eglGetProcAddress = getProcAddress;
     return table;
 }
@@ -129,6 +148,9 @@ constexpr egl_t kPublicEgl = publicEgl();
 // beyond the core is for the platform, and whoever hooks it, to know.
 AnyFunction EGLAPIENTRY getProcAddress(const char* name) {
     const egl_connection_t& cnx = connection();
+    if (name && std::strcmp(name, "orvelCreateWindow") == 0) {
+        return reinterpret_cast<AnyFunction>(createWindow);
+    }
     const Entry* entry = name ? findEntry(name) : nullptr;
     AnyFunction answer = nullptr;
     if (!entry || !entry->isCore()) {

@@ -19,7 +19,9 @@ namespace android::rig {
     X(SHADER_BYTES_BEFORE, firstRewrittenShaderBytesBefore)                                                            \
     X(SHADER_BYTES_AFTER, firstRewrittenShaderBytesAfter)                                                              \
     X(SWITCHES, resolutionSwitches)                                                                                    \
-    X(TEXTURES_REPLACED, texturesReplaced)
+    X(TEXTURES_REPLACED, texturesReplaced)                                                                             \
+    X(FRAMES_REPEATED, framesRepeated)                                                                                 \
+    X(WINDOW_CHANGES, windowBufferChanges)
 
 #define ORVEL_COUNTER_NAME(name, jsonName) name,
 enum Counter { ORVEL_COUNTERS(ORVEL_COUNTER_NAME) COUNTER_COUNT };
@@ -70,6 +72,8 @@ struct ReportLayout {
 
     char renderer[128];
     char version[128];
+    uint32_t windowWidth; // of the buffers after the last change; 0 when there was none
+    uint32_t windowHeight;
     uint64_t counters[COUNTER_COUNT];
 };
 

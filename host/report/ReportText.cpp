@@ -23,6 +23,10 @@ std::string number(uint64_t value, const char* what) {
     return std::to_string(value) + ' ' + what + (value == 1 ? "" : "s");
 }
 
+std::string windowBuffers(const ReportLayout& report) {
+    return std::to_string(report.windowWidth) + 'x' + std::to_string(report.windowHeight);
+}
+
 } // namespace
 
 std::string summaryOf(const ReportLayout& report) {
@@ -45,6 +49,12 @@ std::string summaryOf(const ReportLayout& report) {
                 std::to_string(report.counters[SWITCHES]) + " resolution switch" +
                 (report.counters[SWITCHES] == 1 ? "" : "es") + " with " +
                 number(report.counters[TEXTURES_REPLACED], "texture") + " replaced";
+        if (const uint64_t repeated = report.counters[FRAMES_REPEATED]) {
+            line += ", " + number(repeated, "frame") + " repeated";
+        }
+        if (const uint64_t changes = report.counters[WINDOW_CHANGES]) {
+            line += ", window buffers changed " + number(changes, "time") + ", last to " + windowBuffers(report);
+        }
     }
     return line;
 }
@@ -69,6 +79,7 @@ Json::Value jsonOf(const ReportLayout& report) {
 #define ORVEL_COUNTER_JSON(name, jsonName) json[#jsonName] = Json::UInt64(report.counters[name]);
     ORVEL_COUNTERS(ORVEL_COUNTER_JSON)
 #undef ORVEL_COUNTER_JSON
+    json["windowBuffers"] = report.counters[WINDOW_CHANGES] ? Json::Value(windowBuffers(report)) : Json::Value();
     Json::Value& binder = json["binder"];
     binder["lookups"] = report.binderLookups;
     binder["found"] = report.binderFound;

@@ -1,11 +1,38 @@
 #include "SystemRoot.h"
 
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <exception>
+#include <fcntl.h>
 #include <filesystem>
 #include <fstream>
+#include <unistd.h>
 
 namespace orvel::host {
+
+namespace {
+
+/** Whether a file's first line is one that the package's game would take for its own. */
+bool namesPackage(const std::string& path, const std::string& package) {
+    std::string word;
+    std::ifstream(path) >> word;
+    return !word.empty() && package.find(word) != std::string::npos;
+}
+
+/** Makes a watched file that is missing, and one whose line is an older game's begin anew. A file that stays as it is
+ * is not opened for writing: whoever watches it would take that for a change. */
+bool begin(const std::string& root, const char* name, const std::string& content) {
+    const std::string path = root + kWatchedFolder + name;
+    const bool stays = std::filesystem::exists(path) && (content.empty() || namesPackage(path, packageOf(root)));
+    if (stays || rewrite(path, content)) {
+        return true;
+    }
+    std::fprintf(stderr, "orvel: cannot write %s: %s\n", path.c_str(), std::strerror(errno));
+    return false;
+}
+
+} // namespace
 
 bool prepareRoot(const std::string& root) {
     try {
@@ -17,14 +44,26 @@ bool prepareRoot(const std::string& root) {
         std::fprintf(stderr, "orvel: %s\n", error.what());
         return false;
     }
-    for (const char* file : {"gameInfo", "dr", "sr", "dfi"}) {
-        const std::string path = root + kWatchedFolder + file;
-        if (!std::ofstream(path, std::ios::app)) {
-            std::fprintf(stderr, "orvel: cannot write %s\n", path.c_str());
-            return false;
-        }
+    // Switches that a game watches only if it finds itself in them at its start: they begin with "off".
+    const std::string package = packageOf(root);
+    const std::string off = package.empty() ? "" : package + " 0\n";
+    return begin(root, "gameInfo", "") && begin(root, "dr", "") && begin(root, "sr", off) && begin(root, "dfi", off);
+}
+
+std::string packageOf(const std::string& root) {
+    std::string package;
+    std::getline(std::ifstream(root + "/orvel/package") >> std::ws, package);
+    return package;
+}
+
+bool rewrite(const std::string& path, const std::string& content) {
+    const int fd = open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0644);
+    if (fd < 0) {
+        return false;
     }
-    return true;
+    const bool written = write(fd, content.data(), content.size()) == static_cast<ssize_t>(content.size()) &&
+                         ftruncate(fd, static_cast<off_t>(content.size())) == 0;
+    return close(fd) == 0 && written;
 }
 
 } // namespace orvel::host

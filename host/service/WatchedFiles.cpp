@@ -1,16 +1,15 @@
 // orvel-set: rewrites a watched file of a root, as a device's system does while a game runs.
 #include "SystemRoot.h"
 
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <fcntl.h>
 #include <fstream>
 #include <functional>
 #include <map>
 #include <sstream>
 #include <string>
-#include <unistd.h>
 #include <vector>
 
 namespace {
@@ -25,7 +24,9 @@ constexpr char kUsage[] = "usage: orvel-set ROOT NAME VALUE...\n"
                           "  window small|full               small-window mode\n"
                           "  filter TYPE STRENGTH DARKEDGE   colour filter\n"
                           "  info LINE                       one line of the game-information file, as it stands\n"
-                          "  dr WIDTHxHEIGHT                 size of the game's render targets\n";
+                          "  dr WIDTHxHEIGHT                 size of the game's render targets\n"
+                          "  sr 0|1                          super resolution off or on\n"
+                          "  dfi MILLISECONDS                how often a frame is shown again; 0 for never\n";
 
 bool isNumber(const std::string& text) {
     char* end = nullptr;
@@ -60,27 +61,13 @@ std::string firstWords(const std::string& line, size_t count) {
     return joined;
 }
 
-/**
- * Rewrites a file in place: it is watched by its inode, so it must not be replaced by a new one. The new text is
- * written over the old before the rest is cut off, so a reader in between never finds an empty file.
- */
-bool rewrite(const std::string& path, const std::string& content) {
-    const int fd = open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0644);
-    if (fd < 0) {
-        return false;
-    }
-    const bool written = write(fd, content.data(), content.size()) == static_cast<ssize_t>(content.size()) &&
-                         ftruncate(fd, static_cast<off_t>(content.size())) == 0;
-    return close(fd) == 0 && written;
-}
-
 int usage(const std::string& problem) {
     std::fprintf(stderr, "orvel-set: %s\n%s", problem.c_str(), kUsage);
     return 2;
 }
 
 int writeFile(const std::string& path, const std::string& content) {
-    if (!rewrite(path, content)) {
+    if (!orvel::host::rewrite(path, content)) {
         std::fprintf(stderr, "orvel-set: cannot write %s: %s\n", path.c_str(), strerror(errno));
         return 1;
     }
@@ -104,7 +91,16 @@ int setGameInfo(const std::string& root, const std::string& line, size_t keyWord
     return 0;
 }
 
-/** One line with a package, a width and a height. */
+/** A file of one line: the package and its values. */
+int setLine(const std::string& root, const std::string& file, const std::string& line) {
+    const std::string path = root + orvel::host::kWatchedFolder + file;
+    const int status = writeFile(path, line + "\n");
+    if (status == 0) {
+        std::printf("%s: %s\n", path.c_str(), line.c_str());
+    }
+    return status;
+}
+
 int setResolution(const std::string& root, const std::string& package, const std::string& size) {
     int width = 0;
     int height = 0;
@@ -112,13 +108,7 @@ int setResolution(const std::string& root, const std::string& package, const std
     if (std::sscanf(size.c_str(), "%dx%d%c", &width, &height, &rest) != 2 || width < 1 || height < 1) {
         return usage("not a size: " + size);
     }
-    const std::string path = root + orvel::host::kWatchedFolder + "dr";
-    const std::string line = package + " " + std::to_string(width) + " " + std::to_string(height);
-    const int status = writeFile(path, line + "\n");
-    if (status == 0) {
-        std::printf("%s: %s\n", path.c_str(), line.c_str());
-    }
-    return status;
+    return setLine(root, "dr", package + " " + std::to_string(width) + " " + std::to_string(height));
 }
 
 } // namespace
@@ -140,13 +130,16 @@ int main(int argc, char** argv) {
         }
         return setGameInfo(root, line, 2);
     }
-    std::string package;
-    std::getline(std::ifstream(root + "/orvel/package") >> std::ws, package);
+    const std::string package = orvel::host::packageOf(root);
     if (package.empty()) {
         return usage("no package: " + root + "/orvel/package is missing or empty (orvel run writes it)");
     }
     if (name == "dr") {
         return values.size() == 1 ? setResolution(root, package, values[0]) : usage("dr takes WIDTHxHEIGHT");
+    }
+    if (name == "sr" || name == "dfi") {
+        return values.size() == 1 && isNumber(values[0]) ? setLine(root, name, package + " " + values[0])
+                                                         : usage(name + " takes a number");
     }
     const auto setting = kSettings.find(name);
     if (setting == kSettings.end()) {
