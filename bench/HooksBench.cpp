@@ -1,9 +1,10 @@
-// orvel_bench: the cost of the legacy hooks with every feature off, and with dynamic resolution on.
+// orvel_bench: the cost of the legacy hooks with every feature off, with dynamic resolution on, with every recogniser on.
 //   orvel_bench [Google Benchmark's options]   times
 //   orvel_bench --count                        under callgrind: one dump per measurement, for instruction counts
 #include "DynamicResolution.h"
 #include "Floors.h"
 #include "NullDriver.h"
+#include "SceneRecognition.h"
 #include "loader/OrvelLegacyHooks.h"
 #include "next/OrvelNext.h"
 #include "settings/orvel_modify_params.h"
@@ -14,7 +15,6 @@
 
 #include <cstdio>
 #include <cstring>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -35,17 +35,21 @@ constexpr int kRecordedTextures = 64; // with dynamic resolution on
 gl_hooks_t sDirect;
 gl_hooks_t sFloor;
 gl_hooks_t sRewritingFloor;
+gl_hooks_t sRecognisingFloor;
 gl_hooks_t sHooked;
 egl_connection_t sConnection;
 
 void connect() {
     connectNullDriver(sConnection, sDirect);
     nameTextures(sDirect.gl);
+    sizeTextures(sDirect.gl);
     orvel::next::InitNextFunctions(&sConnection);
     sFloor = sDirect;
     installFloors(sFloor.gl);
     sRewritingFloor = sDirect;
     installDynamicResolutionFloors(sRewritingFloor.gl, kRecordedTextures);
+    sRecognisingFloor = sDirect;
+    installRecognitionFloors(sRecognisingFloor.gl);
     sHooked = sDirect;
     installOrvelHooks(&sHooked);
 }
@@ -81,8 +85,22 @@ const Call kRewritingCalls[] = {
     {"glUniform4fv rewritten", [](const GlTable& t) { t.glUniform4fv(0, 1, kScreenSize); }},
 };
 
+// With every recogniser on: draws that fit no pattern, and most of a transfer, which fits several.
+const Call kRecognisingCalls[] = {
+    {"glDrawElements recognised",
+     [](const GlTable& t) { t.glDrawElements(GL_TRIANGLES, 36, GL_UNSIGNED_SHORT, nullptr); }},
+    {"7 calls of a transfer",
+     [](const GlTable& t) {
+         t.glClear(GL_COLOR_BUFFER_BIT);
+         for (const GLsizei count : {6, 108, 33, 6, 6, 6}) {
+             t.glDrawElements(GL_TRIANGLES, count, GL_UNSIGNED_SHORT, nullptr);
+         }
+     }},
+};
+
 const Way kWays[] = {{"direct", &sDirect}, {"floor", &sFloor}, {"hook", &sHooked}};
 const Way kRewritingWays[] = {{"direct", &sDirect}, {"floor", &sRewritingFloor}, {"hook", &sHooked}};
+const Way kRecognisingWays[] = {{"direct", &sDirect}, {"floor", &sRecognisingFloor}, {"hook", &sHooked}};
 
 /** 64 KiB of shader text with a precision in every line, and a copy to be edited. */
 class ShaderText {
@@ -105,36 +123,45 @@ private:
     std::vector<char> mEdited;
 };
 
-/** Around one measurement: the feature on, as in a game that is being played. */
+/** Around one measurement: dynamic resolution on, as in a game that is being played. */
 class Game {
 public:
     explicit Game(int textures) { playGame(sHooked.gl, textures); }
     ~Game() { endGame(); }
 };
 
+/** Around one measurement: every recogniser on. */
+class RecognisedGame {
+public:
+    RecognisedGame() { recogniseScenes(sHooked.gl); }
+    ~RecognisedGame() { endRecognition(); }
+};
+
+struct NoFeature {};
+struct ShrunkGame : Game {
+    ShrunkGame() : Game(kRecordedTextures) {}
+};
+
+/** Measures each call each way while one Feature lives. */
+template <typename Feature, size_t Calls, size_t Ways>
+void registerCalls(const Call (&calls)[Calls], const Way (&ways)[Ways]) {
+    for (const Way& way : ways) {
+        for (const Call& call : calls) {
+            benchmark::RegisterBenchmark((std::string(call.name) + "/" + way.name).c_str(),
+                                         [&call, &way](benchmark::State& state) {
+                                             [[maybe_unused]] const Feature feature;
+                                             for (auto _ : state) {
+                                                 call.make(way.table->gl);
+                                             }
+                                         });
+        }
+    }
+}
+
 void registerTimes() {
-    const auto registerCall = [](const Call& call, const Way& way, bool rewriting) {
-        benchmark::RegisterBenchmark((std::string(call.name) + "/" + way.name).c_str(),
-                                     [&call, &way, rewriting](benchmark::State& state) {
-                                         std::optional<Game> game;
-                                         if (rewriting) {
-                                             game.emplace(kRecordedTextures);
-                                         }
-                                         for (auto _ : state) {
-                                             call.make(way.table->gl);
-                                         }
-                                     });
-    };
-    for (const Way& way : kWays) {
-        for (const Call& call : kCalls) {
-            registerCall(call, way, false);
-        }
-    }
-    for (const Way& way : kRewritingWays) {
-        for (const Call& call : kRewritingCalls) {
-            registerCall(call, way, true);
-        }
-    }
+    registerCalls<NoFeature>(kCalls, kWays);
+    registerCalls<ShrunkGame>(kRewritingCalls, kRewritingWays);
+    registerCalls<RecognisedGame>(kRecognisingCalls, kRecognisingWays);
     benchmark::RegisterBenchmark("switch/of 8 textures", [](benchmark::State& state) {
         const Game game(8);
         for (auto _ : state) {
@@ -154,28 +181,28 @@ void registerTimes() {
     }
 }
 
-void countInstructions() {
+/** One dump per call and way while one Feature lives. */
+template <typename Feature, size_t Calls, size_t Ways>
+void countCalls(const Call (&calls)[Calls], const Way (&ways)[Ways]) {
     constexpr int kTimes = 1000;
-    const auto count = [](const Call& call, const Way& way) {
-        call.make(way.table->gl); // the first call resolves what is resolved lazily
-        CALLGRIND_ZERO_STATS;
-        for (int i = 0; i < kTimes; ++i) {
-            call.make(way.table->gl);
-        }
-        const std::string label = std::string(call.name) + "/" + way.name;
-        CALLGRIND_DUMP_STATS_AT(label.c_str());
-    };
-    for (const Call& call : kCalls) {
-        for (const Way& way : kWays) {
-            count(call, way);
+    [[maybe_unused]] const Feature feature;
+    for (const Call& call : calls) {
+        for (const Way& way : ways) {
+            call.make(way.table->gl); // the first call resolves what is resolved lazily
+            CALLGRIND_ZERO_STATS;
+            for (int i = 0; i < kTimes; ++i) {
+                call.make(way.table->gl);
+            }
+            const std::string label = std::string(call.name) + "/" + way.name;
+            CALLGRIND_DUMP_STATS_AT(label.c_str());
         }
     }
-    const Game game(kRecordedTextures);
-    for (const Call& call : kRewritingCalls) {
-        for (const Way& way : kRewritingWays) {
-            count(call, way);
-        }
-    }
+}
+
+void countInstructions() {
+    countCalls<NoFeature>(kCalls, kWays);
+    countCalls<ShrunkGame>(kRewritingCalls, kRewritingWays);
+    countCalls<RecognisedGame>(kRecognisingCalls, kRecognisingWays);
 }
 
 } // namespace

@@ -1,6 +1,8 @@
 #include "base/OrvelParse.h"
 
+#include <algorithm>
 #include <cerrno>
+#include <charconv>
 #include <cstdlib>
 #include <limits>
 
@@ -28,6 +30,30 @@ std::vector<std::string> splitText(const std::string& text, const std::string& d
         begin = text.find_first_not_of(delimiters, end);
     }
     return pieces;
+}
+
+static constexpr std::string_view kBlanks = " \t\n\v\f\r";
+
+std::string_view takeWord(std::string_view& text) {
+    text.remove_prefix(std::min(text.find_first_not_of(kBlanks), text.size()));
+    const std::string_view word = text.substr(0, text.find_first_of(kBlanks));
+    text.remove_prefix(word.size());
+    return word;
+}
+
+bool takeInt(std::string_view& text, int32_t& number) {
+    text.remove_prefix(std::min(text.find_first_not_of(kBlanks), text.size()));
+    if (text.starts_with('+') && !text.starts_with("+-")) {
+        text.remove_prefix(1);
+    }
+    const char* end = text.data() + text.size();
+    const auto [rest, error] = std::from_chars(text.data(), end, number);
+    if (error != std::errc()) {
+        errno = static_cast<int>(error); // EINVAL or ERANGE
+        return false;
+    }
+    text.remove_prefix(static_cast<size_t>(rest - text.data()));
+    return true;
 }
 
 } // namespace android::orvel

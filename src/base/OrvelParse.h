@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace android::orvel {
@@ -20,5 +21,16 @@ std::optional<int32_t> parseInt(const std::string& text);
  * @return the pieces in order; the whole text as one piece when delimiters is empty
  */
 std::vector<std::string> splitText(const std::string& text, const std::string& delimiters);
+
+// The fields of a line, taken one after the other as a stream's >> would.
+
+/** Removes the leading blanks, then what follows up to the next blank. @return what followed */
+std::string_view takeWord(std::string_view& text);
+
+/**
+ * Removes the leading blanks and the integer behind them, which may end in the middle of a word ("1280abc").
+ * @return whether there was one that fits 32 bits; errno is set if not
+ */
+bool takeInt(std::string_view& text, int32_t& number);
 
 } // namespace android::orvel

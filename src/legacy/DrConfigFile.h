@@ -1,7 +1,8 @@
 // The watched file of dynamic resolution: one line with a package, a width and a height.
 #pragma once
 
-#include <cstddef>
+#include "base/OrvelLineReader.h"
+
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -19,15 +20,13 @@ public:
         int32_t height;
     };
 
-    static constexpr size_t kLongestLine = 4096;
-
     /** @param path absolute path on a device */
     explicit DrConfigFile(const char* path);
 
     /**
      * Reads the file's first line.
-     * @return the line without its newline, good until the next call, cut off after kLongestLine + 1 characters;
-     *         nothing, and errno set, when there is none
+     * @return the line without its newline, good until the next call, cut off when it is longer than an
+     *         OrvelLineReader's; nothing, and errno set, when there is none
      */
     std::optional<std::string_view> readLine();
 
@@ -39,7 +38,7 @@ public:
 
 private:
     std::string mPath;
-    char mBuffer[kLongestLine + 1]; // one more: it tells a line that just fits from a longer one
+    OrvelLineReader mReader;
 };
 
 } // namespace android::orvel

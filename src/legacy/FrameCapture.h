@@ -3,17 +3,27 @@
 
 #include <EGL/egl.h>
 
+#include <cstdint>
+
 namespace android {
 
-// The two mechanisms' place in the system: the hooks call them already, they save and serve nothing yet.
+extern int64_t mDFITimestamp;        // of the frame that was kept last, nanoseconds of the monotonic clock
+extern uint32_t mDFITempTexture;     // what a frame is kept in, 0 none yet; made once per size, never freed
+extern uint32_t mDFITempFramebuffer; // that texture, to be drawn into and read from
+extern int32_t mSurfaceWidth;        // size of the texture
+extern int32_t mSurfaceHeight;
+extern bool mDFICopySuccess; // a frame was kept for the swap that is under way
 
-/** Before the real swap: keeps a copy of the frame when the interval has passed. */
-inline void saveFrame(EGLDisplay, EGLSurface) {}
+/**
+ * Before the real swap: keeps a copy of the frame when the interval has passed. The framebuffer bindings are then
+ * ours, deliberately: the swap follows at once.
+ */
+void saveFrame(EGLDisplay display, EGLSurface surface);
 
 /** After the real swap: presents a kept frame a second time. @return what the game is told of its swap */
-inline EGLBoolean swapFrame(EGLDisplay, EGLSurface, EGLBoolean result) { return result; }
+EGLBoolean swapFrame(EGLDisplay display, EGLSurface surface, EGLBoolean result);
 
 /** @return 1 when the read was served from a scaled copy, 0 when the caller must read from the driver */
-inline int processGameCapture(int, int, int, int, unsigned, unsigned, void*) { return 0; }
+int processGameCapture(int x, int y, int width, int height, unsigned format, unsigned type, void* pixels);
 
 } // namespace android

@@ -1,26 +1,46 @@
-// Backbuffer scaling: resizes the buffers of the game's window.
+// Backbuffer scaling: resizes the buffers of the game's window, and keeps the sizes that the game states for it in step.
 #pragma once
+
+#include <cstdint>
 
 struct ANativeWindow;
 
 namespace android::orvel {
 
-/** One instance for the process. */
+/**
+ * One instance for the process. Windows arrive on the thread that makes the surface, everything else happens on the
+ * rendering thread: in the games that are served both are the engine's main thread, so nothing is locked.
+ */
 class OrvelBackbufferControl {
 public:
-    static OrvelBackbufferControl& getInstance() {
-        static OrvelBackbufferControl instance;
-        return instance;
-    }
+    static OrvelBackbufferControl& getInstance();
 
-    /** Whether sizes of the game's window may have to be rewritten; read before each call that carries a size. */
-    static bool rewritesSizes() { return false; }
+    /** Takes the window of a new surface, if the engine's main thread makes it. @param window not owned, may be null */
+    void updateANativeWindow(ANativeWindow* window);
 
-    /** Called with the window of each new surface. The feature's place in the system: no window is resized yet. */
-    void updateANativeWindow(ANativeWindow*) {}
+    /**
+     * Resizes the window's buffers if their size is one of the configured ones. Any size but those and the tolerated
+     * one switches the feature off for the rest of the process.
+     * @param width, height pixels, 1 to 9999
+     * @return whether the buffers were resized
+     */
+    bool setANWBuffersGeometry(int width, int height);
+
+    /** @return whether the feature is configured and was not switched off */
+    bool isEnableBackbufferScale() const;
+
+    /**
+     * Replaces a size that the game states for its window by the one last applied. An unknown size switches the feature
+     * off for the rest of the process.
+     */
+    void checkModifyUserDimensions(unsigned& width, unsigned& height);
 
 private:
     OrvelBackbufferControl() = default;
+
+    ANativeWindow* mWindow = nullptr;
+    int32_t mWidth = 0; // last applied
+    int32_t mHeight = 0;
 };
 
 } // namespace android::orvel

@@ -2,9 +2,9 @@
 #include "legacy/OrvelDRR.h"
 
 #include "base/OrvelLog.h"
+#include "base/ScreenSizeUniform.h"
 #include "next/OrvelNext.h"
 
-#include <cmath>
 #include <cstring>
 #include <utility>
 
@@ -15,23 +15,6 @@ namespace orvel {
 namespace {
 
 constexpr int32_t kLeastInterval = 10; // milliseconds
-
-bool isNear(double a, double b) { return std::abs(a - b) < 0.0001; }
-bool isBetween(float value, float low, float high) { return low < value && value < high; }
-/** Whether a float may be a width or height in texels: it is converted to an integer later. */
-bool isExtent(float value) { return isBetween(value, 2.0f, 2147483648.0f); }
-
-/** Recognises [w, h, 1 + 1/w, 1 + 1/h]. */
-bool isScreenParams(const float* v) {
-    return isExtent(v[0]) && isExtent(v[1]) && isBetween(v[2], 1, 2) && isBetween(v[3], 1, 2) &&
-           isNear(v[2], 1.0 / v[0] + 1.0) && isNear(v[3], 1.0 / v[1] + 1.0);
-}
-
-/** Recognises [1/w, 1/h, w, h]. */
-bool isTexelSize(const float* v) {
-    return isExtent(v[2]) && isExtent(v[3]) && isBetween(v[0], 0, 1) && isBetween(v[1], 0, 1) &&
-           isNear(v[0], 1.0 / v[2]) && isNear(v[1], 1.0 / v[3]);
-}
 
 } // namespace
 
@@ -148,39 +131,13 @@ void OrvelDRR::markCurrentProgram(unsigned program) noexcept {
 
 // ---- rewriting ----------------------------------------------------------------------------------------
 
-/** @return false, and both as they were, when even one of the two stays what it is: deliberately "or" */
-bool OrvelDRR::rewriteExtent(float& width, float& height) noexcept {
-    int newWidth = static_cast<int>(width);
-    int newHeight = static_cast<int>(height);
-    modifySizeParams(newWidth, newHeight);
-    if (static_cast<float>(newWidth) == width || static_cast<float>(newHeight) == height) {
-        return false;
-    }
-    width = static_cast<float>(newWidth);
-    height = static_cast<float>(newHeight);
-    return true;
-}
-
 void OrvelDRR::modifyShaderUniform4fv_1(int, float* v) noexcept {
     const float old[] = {v[0], v[1], v[2], v[3]};
-    if (isScreenParams(v)) {
-        if (!rewriteExtent(v[0], v[1])) {
-            return;
-        }
-        v[2] = 1.0f + 1.0f / v[0];
-        v[3] = 1.0f + 1.0f / v[1];
-    } else if (isTexelSize(v)) {
-        if (!rewriteExtent(v[2], v[3])) {
-            return;
-        }
-        v[0] = 1.0f / v[2];
-        v[1] = 1.0f / v[3];
-    } else {
-        return;
+    if (rewriteScreenSizeUniform(v, [this](int& width, int& height) { modifySizeParams(width, height); })) {
+        ORVEL_LOGD_IF(mDebug, "OrvelDRR, modifyShaderUniform4fv_1, su: [%f, %f, %f, %f] -> [%f, %f, %f, %f]",
+                      double{old[0]}, double{old[1]}, double{old[2]}, double{old[3]}, double{v[0]}, double{v[1]},
+                      double{v[2]}, double{v[3]});
     }
-    ORVEL_LOGD_IF(mDebug, "OrvelDRR, modifyShaderUniform4fv_1, su: [%f, %f, %f, %f] -> [%f, %f, %f, %f]",
-                  double{old[0]}, double{old[1]}, double{old[2]}, double{old[3]}, double{v[0]}, double{v[1]},
-                  double{v[2]}, double{v[3]});
 }
 
 void OrvelDRR::activeTexture(unsigned) {

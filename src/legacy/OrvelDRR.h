@@ -127,7 +127,6 @@ private:
             height = mAppliedHeight;
         }
     }
-    bool rewriteExtent(float& width, float& height) noexcept;
     void rebindTexture(unsigned from, unsigned to) const;
 
     void updateDrConfig();

@@ -1,43 +1,73 @@
 // Super resolution: decides when the game's final image is upscaled.
 #pragma once
 
+#include "legacy/OrvelSR.h"
+#include "legacy/SwitchFile.h"
+
+#include <atomic>
 #include <cstdint>
+#include <limits>
+#include <mutex>
+#include <string>
+#include <unordered_set>
 #include <utility>
 
 namespace android::orvel {
 
-/** One instance for the process, used on the game's rendering thread. */
+/**
+ * One instance for the process, used on the game's rendering thread. The watched file "sr" switches it: just before a
+ * labelled copy to the window samples a picture of the reduced size, that picture is replaced by its upscaled one.
+ */
 class OrvelSRControl {
 public:
     static OrvelSRControl& getInstance();
 
-    /** Whether a configuration asks for the feature at all; read before each indexed draw. */
-    static bool isConfigured() { return false; }
+    OrvelSRControl(const OrvelSRControl&) = delete;
+    OrvelSRControl& operator=(const OrvelSRControl&) = delete;
+
+    /** Whether a configuration asks for the feature at all; read before each indexed draw, on any thread. */
+    static bool isConfigured() { return sConfigured.load(std::memory_order_relaxed); }
+    /** Whether a size was asked of the window's buffers; read before each call that carries a size, on any thread. */
+    static bool isBackbufferSizeAsked() { return sBackbufferSizeAsked.load(std::memory_order_relaxed); }
 
     /** Takes the sizes from the preferences; called once at start-up. */
     void initSuperResolutionConfig();
-    /** Once per swap: looks whether the switch changed. */
+    /** Once per swap: reads the switch, at first and then whenever it was written. */
     void doGameSuperResolution();
+    /** Reads the switch and asks for the window size that belongs to it. */
+    void updateGameSRConfig();
+    /** Asks OrvelBackbufferControl for the window size that belongs to the switch. */
+    void updateBackbufferSize();
     /** Before each indexed draw: lets the final copy to the window sample the upscaled image. */
     void hookForPostprocess();
-    /** Remembers programs labelled as the final copy. */
+    /**
+     * Remembers programs labelled as the final copy.
+     * @param type  GL_PROGRAM_OBJECT_EXT counts
+     * @param label zero-terminated
+     */
     void recordFSRProgramByProgramLabel(unsigned type, unsigned name, const char* label);
     /** @return width and height asked of the window's buffers; 0, 0 until there was a request */
-    std::pair<int32_t, int32_t> getTargetBackbufferSize() const { return {0, 0}; }
+    std::pair<int32_t, int32_t> getTargetBackbufferSize() const { return mTargetBackbufferSize; }
 
 private:
     OrvelSRControl() = default;
+    bool hasSizes() const;
+
+    static inline std::atomic<bool> sConfigured{false};
+    static inline std::atomic<bool> sBackbufferSizeAsked{false};
+
+    int32_t mBaseSRWidthSize = 0; // of the picture that the game's final pass samples
+    int32_t mBaseSRHeightSize = 0;
+    int32_t mTargetSRWidthSize = 0; // of the upscaled one
+    int32_t mTargetSRHeightSize = 0;
+    std::unordered_set<uint32_t> mFSRPrograms; // only grows: a game makes its copy programs once
+    OrvelSR mSR;
+    int32_t mSwitchStatusSR = std::numeric_limits<int32_t>::max(); // 1 on, anything else off
+    std::string mPackageName;
+    bool mSupportSR = false; // the switch could be read at start
+    SwitchFile mFile{"/data/system/mcd/sr", "SuperResolution SR"};
+    std::pair<int32_t, int32_t> mTargetBackbufferSize{0, 0};
+    std::mutex mMutex; // never locked: one thread
 };
-
-inline OrvelSRControl& OrvelSRControl::getInstance() {
-    static OrvelSRControl instance;
-    return instance;
-}
-
-// The feature's place in the system: called by others already, it upscales nothing yet.
-inline void OrvelSRControl::initSuperResolutionConfig() {}
-inline void OrvelSRControl::doGameSuperResolution() {}
-inline void OrvelSRControl::hookForPostprocess() {}
-inline void OrvelSRControl::recordFSRProgramByProgramLabel(unsigned, unsigned, const char*) {}
 
 } // namespace android::orvel

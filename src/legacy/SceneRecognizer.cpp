@@ -1,23 +1,42 @@
-// The recogniser's place in the system: created, fed and asked by others already, it recognises nothing yet.
+// What is rare in the game's calls. Every draw's part: in the header. The thread that reports: SceneReport.cpp.
 #include "legacy/SceneRecognizer.h"
+
+#include "base/OrvelLog.h"
+#include "next/OrvelNext.h"
 
 namespace android {
 
-void SceneRecognizer::updateTexSizeArr(int32_t, int32_t) {}
-void SceneRecognizer::updateEleCountArr(const int&) {}
-void SceneRecognizer::checkBossPattern() {}
-void SceneRecognizer::checkTransferPattern(const int&) {}
-void SceneRecognizer::checkLaunchPattern(const int&) {}
-void SceneRecognizer::recognizeHkrpgScene(int32_t) {}
-void SceneRecognizer::checkTransferPatternHP(const int&) {}
-void SceneRecognizer::startThread() {}
-void SceneRecognizer::stopThread() {}
-int32_t SceneRecognizer::sendSceneIdToRavelo(int32_t) { return 0; }
-bool SceneRecognizer::threadLoop() { return false; }
+void SceneRecognizer::updateTexSizeArr(int32_t width, int32_t height) {
+    mTexSizeArr[0] = mTexSizeArr[2];
+    mTexSizeArr[1] = mTexSizeArr[3];
+    mTexSizeArr[2] = width;
+    mTexSizeArr[3] = height;
+}
 
-void queryTexSizeArr() {}
-void markLabelledHkrpgTexture(unsigned&, const char*) {}
-void recognizeBoundHkrpgTexture(unsigned&) {}
-void recognizeHkrpgFrame() {}
+void SceneRecognizer::recognizeHkrpgScene(int32_t scene) {
+    constexpr SceneId kIds[] = {SCENE_ORDINARY, SCENE_HKRPG_CITY, SCENE_HKRPG_X2, SCENE_HKRPG_X21, SCENE_HKRPG_SQUARE};
+    if (0 <= scene && scene < static_cast<int32_t>(std::size(kIds))) {
+        mHkrpgSceneId.store(kIds[scene], std::memory_order_relaxed);
+    }
+    increment(mHkrpgSceneCount);
+}
+
+void SceneRecognizer::countTransfer(const char* recogniser) {
+    ORVEL_LOGI("%s transferring: %d!", recogniser, mTransferCount.load(std::memory_order_relaxed));
+    increment(mTransferCount);
+}
+
+void SceneRecognizer::countLaunch() {
+    ORVEL_LOGI("checkLaunchPattern launching: %d!", mLaunchCount.load(std::memory_order_relaxed));
+    increment(mLaunchCount);
+}
+
+void queryTexSizeArr() {
+    GLint width = 0; // stay so in contexts that do not know the query
+    GLint height = 0;
+    orvel::next::gl.glGetTexLevelParameteriv(GL_TEXTURE_2D, 0, GL_TEXTURE_WIDTH, &width);
+    orvel::next::gl.glGetTexLevelParameteriv(GL_TEXTURE_2D, 0, GL_TEXTURE_HEIGHT, &height);
+    mSceneRecognizer->updateTexSizeArr(width, height);
+}
 
 } // namespace android

@@ -1,6 +1,7 @@
 #include "loader/OrvelLegacyHooks.h"
 
 #include "legacy/FrameCapture.h"
+#include "legacy/HkrpgScenes.h"
 #include "legacy/OrvelBackbufferControl.h"
 #include "legacy/OrvelDRR.h"
 #include "legacy/OrvelSRControl.h"
@@ -130,7 +131,9 @@ ORVEL_HOOK void GL_APIENTRY hookGlDrawElements(GLenum mode, GLsizei count, GLenu
     checkTransferPattern(count);
     checkLaunchPattern(count);
     checkTransferPatternHP(count);
-    orvel::OrvelSRControl::getInstance().hookForPostprocess();
+    if (orvel::OrvelSRControl::isConfigured()) {
+        orvel::OrvelSRControl::getInstance().hookForPostprocess();
+    }
     next::gl.glDrawElements(mode, count, type, indices);
 }
 
@@ -279,12 +282,13 @@ EGLSurface EGLAPIENTRY hookEglCreateWindowSurface(EGLDisplay display, EGLConfig 
 namespace on {
 bool always() { return true; }
 bool anisotropy() { return mEnableAFModify; }
+bool capture() { return mGameSCSize.width >= 1 && mGameSCSize.height >= 1; }
 bool clearPatterns() { return mEnableYSTransferRecognize || mEnableYSLaunchRecognize; }
 bool dynamicResolution() { return isOrvelDRREnable(); }
 bool patternHP() { return mEnableHPTransferRecognize; }
 bool patterns() { return clearPatterns() || patternHP(); }
 bool shadingRate() { return mEnableShadingRate; }
-bool yuanshenSizes() { return mEnableScaleResolutionSize || orvel::OrvelBackbufferControl::rewritesSizes(); }
+bool yuanshenSizes() { return mEnableScaleResolutionSize || orvel::OrvelSRControl::isBackbufferSizeAsked(); }
 bool sizes() { return dynamicResolution() || yuanshenSizes(); }
 bool binding() { return dynamicResolution() || mEnableHkrpgSceneRecognize || mEnableYSSceneRecognize; }
 bool draw() { return shadingRate() || mEnableYSSceneRecognize || patterns() || orvel::OrvelSRControl::isConfigured(); }
@@ -332,7 +336,7 @@ struct Gate<Slot, Hook, IsOn> {
     X(glUseProgram, hookGlUseProgram, dynamicResolution)                                                               \
     X(glActiveTexture, hookGlActiveTexture, dynamicResolution)                                                         \
     X(glUniform2uiv, hookGlUniform2uiv, yuanshenSizes)                                                                 \
-    X(glReadPixels, hppkGlReadPixels, always)
+    X(glReadPixels, hppkGlReadPixels, capture)
 
 void installOrvelHooks(gl_hooks_t* table) {
 #define ORVEL_WRITE(entry, hook, condition) table->gl.entry = Gate<&GlTable::entry, hook, on::condition>::call;

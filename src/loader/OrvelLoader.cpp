@@ -22,11 +22,18 @@ bool mInitialized = false; // initOrvel has run, whatever it came to
 
 gl_hooks_t* gles2Table(egl_connection_t* cnx) { return cnx ? cnx->hooks[egl_connection_t::GLESv2_INDEX] : nullptr; }
 
-/** Drops modules that need an extension function which the driver lacks. */
-void checkModuleExtensions(const orvel::next::MissingTest& isMissing) {
+/**
+ * Resolves the extension functions that this process needs, which is what asking for them does, and drops modules that
+ * need one which the driver lacks.
+ */
+void resolveExtensionFunctions(const orvel::next::MissingTest& isMissing) {
     const auto* prefs = orvel::OrvelSettings::getInstance().mPrefs;
     if (prefs && prefs->mProcessorData && prefs->mProcessorData->HasAnyModuleId()) {
         prefs->mProcessorData->CheckExtensionFunctions(isMissing);
+    }
+    if (prefs && prefs->mShadingRateEnabled) { // legacy games have no modules; either function will do
+        isMissing("glShadingRateQCOM");
+        isMissing("glShadingRateEXT");
     }
 }
 
@@ -80,7 +87,7 @@ void OrvelStubImpl::initOrvel(egl_connection_t* cnx, bool) {
         return;
     }
     try {
-        orvel::next::InitNextFunctions(cnx, checkModuleExtensions); // before anything in cnx is overwritten
+        orvel::next::InitNextFunctions(cnx, resolveExtensionFunctions); // before anything in cnx is overwritten
         if (orvel::app::UsingRenderController(0)) {
             installFramework(cnx);
         } else {

@@ -75,6 +75,7 @@ void initTargetSize() {
 void initAdaptSizes() {
     mDeviceAdaptConfigMap = fromPrefs(&OrvelPrefs::mAdaptSizes);
     mPostProcessLowParamsMap = fromPrefs(&OrvelPrefs::mPostProcessLowParams);
+    mPostprocessLowParam.reserve(16); // hooks ask for no memory
     const auto sizes = mDeviceAdaptConfigMap.find(com::velmor::ravelo::TEX_SIZE_MAX_RESOLUTION);
     if (sizes == mDeviceAdaptConfigMap.end() || sizes->second.empty()) {
         return;
@@ -151,12 +152,5 @@ void initGameSetting() {
     mDFIInterval = settings.mPrefs ? settings.mPrefs->mDFIInterval : -1;
     ORVEL_LOGD("mDFIInterval: %d", mDFIInterval);
 }
-
-void modifyShadingRate() {}
-void modifyAFValuePubg(unsigned, int&) {}
-void modifyRenderPrecisionYuanshen(int&, int&, int) {}
-bool fixPostprocessLowIssue() { return false; }
-void modifyPostprocessLowParam(float*) {}
-void modifyRenderPrecisionYuanshenShaderUniform(int, float*) {}
 
 } // namespace android

@@ -47,6 +47,7 @@ extern int32_t mTargetAFValue;
 extern std::map<com::velmor::ravelo::TYPE_ADAPT_SET, std::vector<com::velmor::ravelo::TEX_SIZE>> mDeviceAdaptConfigMap;
 extern std::map<int32_t, std::vector<float>> mPostProcessLowParamsMap; // low width to 16 upscaling constants
 extern std::vector<float> mPostprocessLowParam;                        // the entry in use; written by the size rules
+extern bool mIsYuanshenPostprocessLow;                                 // for good; written by the size rules
 extern com::velmor::ravelo::TEX_SIZE mGameSCSize;                      // size of the game's screenshots
 extern int32_t mShaderReplaceValue;
 
@@ -73,20 +74,35 @@ extern int32_t mDFIInterval;       // milliseconds, -1 off; rewritten by the fra
  */
 void initGameSetting();
 
-// Changes of GL parameters, called by the hooks. The games' rules are not there yet: all of them leave everything as
-// it is.
+// Changes of GL parameters, called by the hooks. Sizes: orvel_modify_params_sizes.cpp, the others:
+// orvel_modify_params_gl.cpp.
 
-/** Before each draw: sets the configured shading rate. */
-void modifyShadingRate();
+/** Sets the configured rate through whichever extension the driver has. */
+void setShadingRate();
+/** Before each draw. */
+inline void modifyShadingRate() {
+    if (mEnableShadingRate) {
+        setShadingRate();
+    }
+}
+
 /** Caps the value when pname is the texture's anisotropy. */
 void modifyAFValuePubg(unsigned pname, int& value);
-/** Replaces the size of a render target. @param kind which call it comes from; log lines are written for 1 only */
+
+/**
+ * Replaces the size of a render target, by the games' known sizes and, in any legacy process, by the size asked of the
+ * window's buffers.
+ * @param kind which call it comes from; log lines are written for 1 only
+ */
 void modifyRenderPrecisionYuanshen(int& w, int& h, int kind);
-/** @return whether modifyPostprocessLowParam has work */
-bool fixPostprocessLowIssue();
-/** Rewrites upscaling constants. @param v 16 floats */
-void modifyPostprocessLowParam(float* v);
 /** Rewrites a screen-size uniform. @param v 4 * count floats */
 void modifyRenderPrecisionYuanshenShaderUniform(int count, float* v);
+
+/** @return whether modifyPostprocessLowParam has work */
+bool fixPostprocessLowIssue();
+/** Rewrites the upscaling constants that the game made for its low size. @param v 16 floats */
+void modifyPostprocessLowParam(float* v);
+/** @return whether there are n values, each within 1e-6 of the array's */
+bool compareFloatArr(const std::vector<float>& values, const float* array, int n);
 
 } // namespace android

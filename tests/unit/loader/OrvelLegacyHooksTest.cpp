@@ -1,7 +1,6 @@
 #include "loader/OrvelLegacyHooks.h"
 
 #include "RecordingDriver.h"
-#include "legacy/SceneRecognizer.h"
 #include "next/OrvelNext.h"
 #include "settings/orvel_modify_params.h"
 
@@ -9,8 +8,6 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
-#include <functional>
-#include <utility>
 
 using namespace android;
 using android::orvel::next::GlTable;
@@ -91,60 +88,6 @@ TEST_P(ForwardingHooks, MakeExactlyOneCallWhereNothingIsToBeChanged) {
 INSTANTIATE_TEST_SUITE_P(Switches, ForwardingHooks,
                          testing::Values(Switches{false, false}, Switches{true, false}, Switches{false, true},
                                          Switches{true, true}));
-
-/** Notes what it is fed. */
-class RecordingRecognizer : public SceneRecognizer {
-public:
-    void updateEleCountArr(const int& count) override { note("elements", count); }
-    void checkBossPattern() override { mFed.push_back("boss"); }
-    void checkTransferPattern(const int& count) override { note("transfer", count); }
-    void checkLaunchPattern(const int& count) override { note("launch", count); }
-    void checkTransferPatternHP(const int& count) override { note("HP", count); }
-
-    Calls take() { return std::exchange(mFed, {}); }
-
-private:
-    void note(const char* what, int count) { mFed.push_back(std::string(what) + " " + std::to_string(count)); }
-    Calls mFed;
-};
-
-// Catches a detector that is fed by the wrong calls or in another order, and a gate that does not open for its switch.
-TEST_F(LegacyHooks, FeedTheDetectorsInOrder) {
-    const sp<RecordingRecognizer> recognizer = new RecordingRecognizer;
-    mSceneRecognizer = recognizer;
-    const auto fedBy = [&](const std::function<void()>& callOfTheGame) {
-        callOfTheGame();
-        return recognizer->take();
-    };
-    const auto draw = [&] { mGame.glDrawElements(GL_TRIANGLES, 54, GL_UNSIGNED_SHORT, nullptr); };
-    const auto baseVertex = [&] { mGame.glDrawElementsBaseVertex(GL_TRIANGLES, 54, GL_UNSIGNED_SHORT, nullptr, 0); };
-    const auto clear = [&] { mGame.glClear(GL_DEPTH_BUFFER_BIT); };
-    const auto invalidate = [&] { mGame.glInvalidateFramebuffer(GL_FRAMEBUFFER, 0, nullptr); };
-
-    switchOn(true);
-    EXPECT_THAT(fedBy(draw), ElementsAre("boss", "elements 54", "transfer 54", "launch 54", "HP 54"));
-    EXPECT_THAT(fedBy(baseVertex), ElementsAre("transfer 54", "launch 54", "HP 54"));
-    EXPECT_THAT(fedBy(clear), ElementsAre("transfer 0", "launch 0"));
-    EXPECT_THAT(fedBy(invalidate), ElementsAre("HP 0"));
-    EXPECT_THAT(fedBy([&] { mGame.glDrawArrays(GL_TRIANGLES, 0, 54); }), ElementsAre());
-
-    switchOn(false);
-    mEnableYSSceneRecognize = true;
-    EXPECT_THAT(fedBy(draw), ElementsAre("boss", "elements 54"));
-    switchOn(false);
-    mEnableYSTransferRecognize = true;
-    EXPECT_THAT(fedBy(draw), ElementsAre("transfer 54"));
-    EXPECT_THAT(fedBy(clear), ElementsAre("transfer 0"));
-    switchOn(false);
-    mEnableYSLaunchRecognize = true;
-    EXPECT_THAT(fedBy(baseVertex), ElementsAre("launch 54"));
-    EXPECT_THAT(fedBy(clear), ElementsAre("launch 0"));
-    switchOn(false);
-    mEnableHPTransferRecognize = true;
-    EXPECT_THAT(fedBy(baseVertex), ElementsAre("HP 54"));
-    EXPECT_THAT(fedBy(invalidate), ElementsAre("HP 0"));
-    mSceneRecognizer = nullptr;
-}
 
 // Catches a game's array that is written or passed where a copy belongs, and a copy of a count that is not handled.
 TEST_F(LegacyHooks, UniformsPassACopyOnlyWhereTheyMayBeRewritten) {

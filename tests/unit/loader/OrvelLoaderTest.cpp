@@ -140,6 +140,23 @@ TEST(InitOrvel, DropsModulesWhoseFunctionsTheDriverLacks) {
     EXPECT_EQ(processorData->moduleIds, std::vector<uint32_t>{4});
 }
 
+class ShadingRateFunctions : public testing::TestWithParam<bool> {};
+
+// Catches a configured shading rate that no draw can ever set, and a driver that is asked although none is configured.
+TEST_P(ShadingRateFunctions, AreResolvedWhereARateIsConfigured) {
+    RecordingDriver driver;
+    driver.answer<&egl_t::eglGetProcAddress>([](const char*) {
+        return reinterpret_cast<__eglMustCastToProperFunctionPointerType>(&createInstance); // any function at all
+    });
+    enableFor(APP_TYPE_YUANSHEN, [](auto& prefs) { prefs.mShadingRateEnabled = GetParam(); });
+    stub().earlyInitOrvel(driver.connection());
+    EXPECT_EQ(orvel::next::ext.glShadingRateEXT != nullptr, GetParam());
+    EXPECT_EQ(orvel::next::ext.glShadingRateQCOM != nullptr, GetParam());
+    EXPECT_EQ(driver.calls().size(), GetParam() ? 2u : 0u);
+}
+
+INSTANTIATE_TEST_SUITE_P(Configured, ShadingRateFunctions, testing::Bool());
+
 struct Override {
     OrvelApplicationType type;
     bool anisotropy;

@@ -1,0 +1,41 @@
+// Hkrpg's scenes are told apart by their minimap: a labelled texture, bound in a frame that binds the avatar's icon, too.
+#pragma once
+
+#include "settings/orvel_modify_params.h"
+
+#include <cstdint>
+
+namespace android {
+
+extern uint32_t mAvatarIconTexture;  // -1 until one was labelled: 0 would make every unbind count as the icon
+extern bool mAvatarIconTextureExist; // bound in this frame
+extern int32_t mCurrentHkrpgScene;   // of this frame, 0 none
+extern int32_t mLastHkrpgScene;      // reported last
+
+// What the hooks call. Each does nothing unless the switch is on and the recogniser exists.
+
+/** Remembers textures that carry one of the labels of the minimaps and the avatar icon. */
+void markLabelledHkrpgTexture(unsigned& name, const char* label) noexcept;
+inline void markHkrpgTexture(unsigned& name, const char* label) {
+    if (mEnableHkrpgSceneRecognize && mSceneRecognizer) {
+        markLabelledHkrpgTexture(name, label);
+    }
+}
+
+/** Takes the scene of a minimap texture that is being bound. */
+void recognizeBoundHkrpgTexture(unsigned& tex) noexcept;
+inline void recognizeHkrpgTexture(unsigned& tex) {
+    if (mEnableHkrpgSceneRecognize && mSceneRecognizer) {
+        recognizeBoundHkrpgTexture(tex);
+    }
+}
+
+/** Once per frame: reports the scene when it changed. */
+void recognizeHkrpgFrame();
+inline void recognizeHkrpgScene() {
+    if (mEnableHkrpgSceneRecognize && mSceneRecognizer) {
+        recognizeHkrpgFrame();
+    }
+}
+
+} // namespace android

@@ -1,0 +1,138 @@
+#include "legacy/OrvelSRControl.h"
+
+#include "base/OrvelLog.h"
+#include "legacy/OrvelBackbufferControl.h"
+#include "next/OrvelNext.h"
+#include "settings/OrvelPrefs.h"
+#include "settings/OrvelSettings.h"
+
+#include <cstring>
+
+namespace android::orvel {
+
+OrvelSRControl& OrvelSRControl::getInstance() {
+    static OrvelSRControl instance;
+    return instance;
+}
+
+bool OrvelSRControl::hasSizes() const {
+    return mBaseSRWidthSize >= 1 && mBaseSRHeightSize >= 1 && mTargetSRWidthSize >= 1 && mTargetSRHeightSize >= 1;
+}
+
+void OrvelSRControl::initSuperResolutionConfig() {
+    com::velmor::ravelo::TEX_SIZE base{0, 0};
+    com::velmor::ravelo::TEX_SIZE target{0, 0};
+    if (const auto* prefs = OrvelSettings::getInstance().mPrefs) {
+        base = prefs->mSRSizes[0];
+        target = prefs->mSRSizes[1];
+    }
+    mBaseSRWidthSize = base.width;
+    mBaseSRHeightSize = base.height;
+    mTargetSRWidthSize = target.width;
+    mTargetSRHeightSize = target.height;
+    sConfigured.store(hasSizes(), std::memory_order_relaxed);
+    ORVEL_LOGD("SuperResolution SR initSR mBaseSRWidthSize: %d, mBaseSRHeightSize: %d, mTargetSRWidthSize: %d, "
+               "mTargetSRHeightSize: %d",
+               mBaseSRWidthSize, mBaseSRHeightSize, mTargetSRWidthSize, mTargetSRHeightSize);
+}
+
+// ---- the switch ---------------------------------------------------------------------------------------
+
+void OrvelSRControl::doGameSuperResolution() {
+    if (hasSizes() && mPackageName.empty()) {
+        mPackageName = OrvelSettings::getInstance().mPackageName.string();
+        updateGameSRConfig();
+        if (mSwitchStatusSR >= 0) {
+            ORVEL_LOGI("Support SuperResolution SR.");
+            mSupportSR = true;
+            mFile.watch();
+        }
+    }
+    if (mFile.wasWritten()) {
+        updateGameSRConfig();
+    }
+}
+
+void OrvelSRControl::updateGameSRConfig() {
+    constexpr int32_t kUnreadable = -1;
+    mSwitchStatusSR = mFile.read(mPackageName).value_or(kUnreadable);
+    ORVEL_LOGI("SuperResolution SR mSwitchStatusSR:%d", mSwitchStatusSR);
+    updateBackbufferSize();
+}
+
+void OrvelSRControl::updateBackbufferSize() {
+    const auto* prefs = OrvelSettings::getInstance().mPrefs;
+    if (!prefs || !prefs->mBackbufferSizeValid) {
+        return;
+    }
+    const auto& sizes = prefs->mBackbufferSizes;
+    if (mSwitchStatusSR == 1) {
+        ORVEL_LOGD("mBFSizeConfig SR ON");
+        mTargetBackbufferSize = {sizes[6], sizes[7]};
+    } else {
+        ORVEL_LOGD("mBFSizeConfig SR OFF");
+        mTargetBackbufferSize = {sizes[4], sizes[5]};
+    }
+    const auto [width, height] = mTargetBackbufferSize;
+    sBackbufferSizeAsked.store(width >= 1 && height >= 1, std::memory_order_relaxed);
+    if (OrvelBackbufferControl::getInstance().setANWBuffersGeometry(width, height)) {
+        next::gl.glViewport(0, 0, width, height);
+        next::gl.glScissor(0, 0, width, height);
+    }
+}
+
+// ---- the substitution ---------------------------------------------------------------------------------
+
+void OrvelSRControl::recordFSRProgramByProgramLabel(unsigned type, unsigned name, const char* label) {
+    if (hasSizes() && type == GL_PROGRAM_OBJECT_EXT && std::strcmp(label, "Hidden/PostProcessing/Copy") == 0) {
+        mFSRPrograms.insert(name);
+    }
+}
+
+void OrvelSRControl::hookForPostprocess() {
+    if (!hasSizes() || mSwitchStatusSR != 1) {
+        return;
+    }
+    // A query that fails leaves these values, which fit no final copy.
+    GLint program = 0;
+    next::gl.glGetIntegerv(GL_CURRENT_PROGRAM, &program);
+    if (!mFSRPrograms.contains(static_cast<uint32_t>(program))) {
+        return;
+    }
+    GLint texture = -1;
+    GLint drawFramebuffer = -1;
+    GLint readFramebuffer = -1;
+    GLint arrayBuffer = 0;
+    GLint elementBuffer = 0;
+    GLint viewport[4] = {};
+    GLint scissor[4] = {};
+    GLint width = 0;
+    GLint height = 0;
+    next::gl.glGetIntegerv(GL_TEXTURE_BINDING_2D, &texture);
+    next::gl.glGetIntegerv(GL_DRAW_FRAMEBUFFER_BINDING, &drawFramebuffer);
+    next::gl.glGetIntegerv(GL_READ_FRAMEBUFFER_BINDING, &readFramebuffer);
+    next::gl.glGetIntegerv(GL_ARRAY_BUFFER_BINDING, &arrayBuffer);
+    next::gl.glGetIntegerv(GL_ELEMENT_ARRAY_BUFFER_BINDING, &elementBuffer);
+    next::gl.glGetIntegerv(GL_VIEWPORT, viewport);
+    next::gl.glGetIntegerv(GL_SCISSOR_BOX, scissor);
+    next::gl.glGetTexLevelParameteriv(GL_TEXTURE_2D, 0, GL_TEXTURE_WIDTH, &width);
+    next::gl.glGetTexLevelParameteriv(GL_TEXTURE_2D, 0, GL_TEXTURE_HEIGHT, &height);
+    if (drawFramebuffer != 0 || width != mBaseSRWidthSize || height != mBaseSRHeightSize) {
+        return;
+    }
+    const uint32_t result =
+        mSR.fsr(static_cast<uint32_t>(texture), width, height, mTargetSRWidthSize, mTargetSRHeightSize);
+    if (result != OrvelSR::kNone) {
+        next::gl.glBindTexture(GL_TEXTURE_2D, result); // stays bound: the game's draw samples it
+    }
+    next::gl.glViewport(viewport[0], viewport[1], viewport[2], viewport[3]);
+    next::gl.glScissor(scissor[0], scissor[1], scissor[2], scissor[3]);
+    next::gl.glBindFramebuffer(GL_DRAW_FRAMEBUFFER, static_cast<GLuint>(drawFramebuffer));
+    next::gl.glBindFramebuffer(GL_READ_FRAMEBUFFER, static_cast<GLuint>(readFramebuffer));
+    next::gl.glUseProgram(static_cast<GLuint>(program));
+    // Required so: the games' final copy draws with a vertex array of the array buffer's name, 0 as a rule.
+    next::gl.glBindVertexArray(static_cast<GLuint>(arrayBuffer));
+    next::gl.glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, static_cast<GLuint>(elementBuffer));
+}
+
+} // namespace android::orvel
