@@ -1,5 +1,6 @@
 #include "Game.h"
 
+#include "Picture.h"
 #include "games/Games.h"
 
 namespace sample {
@@ -11,7 +12,7 @@ struct Entry {
     std::unique_ptr<Game> (*make)(const Options&);
 };
 
-constexpr Entry kGames[] = {{"yuanshen", makeYuanshen}, {"hkrpg", makeHkrpg}};
+constexpr Entry kGames[] = {{"yuanshen", makeYuanshen}, {"hkrpg", makeHkrpg}, {"harrypotter", makeHarryPotter}};
 
 const Entry* findGame(const std::string& name) {
     for (const Entry& entry : kGames) {
@@ -32,23 +33,48 @@ Game::Game(const Options& options, std::unique_ptr<TextureUnits> units)
     : mUnits(std::move(units)),
       mScene(options.base, options.work, *mUnits),
       mUi(options.window, options.game),
-      mRestoreAt(options.restoreAt),
+      mOptions(options),
+      mOverlay(options.window),
       mCameraDesc(makeTexture("CameraDesc", GL_RGBA8, {64, 64}, 1, GL_LINEAR)) {}
 
 void Game::drawFrame(int frame) {
     mScene.beginFrame(frame);
     mScene.drawOpaque();
     drawOwnScenery(frame);
-    if (isReached(frame, mRestoreAt)) {
+    if (isReached(frame, mOptions.restoreAt)) {
         mUnits->bind(UNIT_NOISE, mCameraDesc);
     }
     mScene.grabColour();
     mScene.drawWater();
     mScene.drawOutline();
     mScene.drawPost();
+    takeScreenshot(frame);
     mScene.copyToWindow(mUi.window());
     mUi.draw(frame);
+    changeEvent(frame);
     glActiveTexture(GL_TEXTURE0);
+}
+
+void Game::drawOverlays(std::initializer_list<int> indices) const {
+    for (const int count : indices) {
+        mOverlay.draw(count);
+    }
+}
+
+void Game::changeEvent(int frame) {
+    if (const auto event = mOptions.events.find(frame); event != mOptions.events.end()) {
+        mEvent = event->second == "none" ? "" : event->second;
+    }
+    if (!mEvent.empty() && !drawEvent(mEvent)) {
+        fail("%s knows no event \"%s\"", mOptions.game.c_str(), mEvent.c_str());
+    }
+}
+
+void Game::takeScreenshot(int frame) const {
+    if (const auto shot = mOptions.screenshots.find(frame); shot != mOptions.screenshots.end()) {
+        mScene.bindPicture();
+        writePicture(shot->second, mOptions.base);
+    }
 }
 
 } // namespace sample

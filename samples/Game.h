@@ -2,10 +2,12 @@
 #pragma once
 
 #include "Options.h"
+#include "Overlay.h"
 #include "SceneRenderer.h"
 #include "TextureUnits.h"
 #include "Ui.h"
 
+#include <initializer_list>
 #include <memory>
 #include <string>
 
@@ -23,13 +25,23 @@ public:
 protected:
     /** The game's own part of the scene, behind what is opaque: the scene's framebuffer is bound, depth is tested. */
     virtual void drawOwnScenery(int /*frame*/) {}
+    /** Over the finished window. @return false when the game knows no such event */
+    virtual bool drawEvent(const std::string& /*event*/) { return false; }
+
+    /** One draw over the finished window for each number of indices. */
+    void drawOverlays(std::initializer_list<int> indices) const;
 
     std::unique_ptr<TextureUnits> mUnits;
     SceneRenderer mScene;
     Ui mUi;
 
 private:
-    const int mRestoreAt;
+    void changeEvent(int frame);
+    void takeScreenshot(int frame) const;
+
+    const Options mOptions;
+    const Overlay mOverlay;
+    std::string mEvent;       // what is going on, empty: nothing special
     const GLuint mCameraDesc; // bound while the player takes a photograph, which wants full resolution
 };
 

@@ -1,4 +1,4 @@
-// The finished window as a PNG file.
+// Pictures as PNG files.
 #pragma once
 
 #include "Options.h"
@@ -7,7 +7,7 @@
 
 namespace sample {
 
-/** Reads framebuffer 0, to be called before the swap; ends the program when the file cannot be written. */
-void writePicture(const std::string& path, Size window);
+/** Reads the framebuffer that is bound for reading; ends the program when the file cannot be written. */
+void writePicture(const std::string& path, Size size);
 
 } // namespace sample

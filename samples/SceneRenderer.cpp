@@ -51,7 +51,7 @@ SceneRenderer::SceneRenderer(Size base, int work, TextureUnits& units)
       mWaterProgram("Water", shaders::waterSurface(), shaders::water()),
       mOutlineProgram("Outline", shaders::placed(), shaders::outline()),
       mPostProgram("Post Process", shaders::fullScreen(), shaders::post()),
-      mCopyProgram("Final Copy", shaders::fullScreen(), shaders::copy()),
+      mCopyProgram("Hidden/PostProcessing/Copy", shaders::fullScreen(), shaders::copy()),
       mTerrain(makeTerrain()),
       mSphere(makeSphere()),
       mPillar(makePillar()) {
@@ -191,9 +191,15 @@ void SceneRenderer::copyToWindow(Size window) {
     glViewport(0, 0, window.width, window.height);
     glScissor(0, 0, window.width, window.height);
     mCopyProgram.use();
-    mCopyProgram.set("uColour", UNIT_POST);
-    mUnits.bind(UNIT_POST, mTargets.post);
-    drawFullScreen();
+    // As the engine's own copy: from unit 0, without a vertex array or any buffer, the indices in the program's memory.
+    mCopyProgram.set("uColour", 0);
+    mUnits.bind(UNIT_NOISE, mTargets.post);
+    glBindVertexArray(0);
+    glBindBuffer(GL_ARRAY_BUFFER, 0);
+    constexpr GLushort kIndices[] = {0, 1, 2};
+    glDrawElements(GL_TRIANGLES, 3, GL_UNSIGNED_SHORT, kIndices);
 }
+
+void SceneRenderer::bindPicture() const { glBindFramebuffer(GL_READ_FRAMEBUFFER, mTargets.postFramebuffer); }
 
 } // namespace sample

@@ -20,6 +20,7 @@ public:
     void drawOutline(); // the hero's outline, by stencil
     void drawPost();    // light and air, from colour, normal, depth and outline
     void copyToWindow(Size window);
+    void bindPicture() const; // the finished picture without the interface, for reading
 
     /** Fills what is still at the far plane of the scene with a full-screen program of the scene. */
     void drawBackdrop(const Program& program);

@@ -7,13 +7,12 @@ namespace sample {
 
 /** Every texture of the scene has a unit of its own, so that a game may leave it bound. */
 enum Unit : GLint {
-    UNIT_NOISE, // also the unit that is active when a frame ends
+    UNIT_NOISE, // unit 0: also what the last copy samples, and active when a frame ends
     UNIT_SCENE_COLOUR,
     UNIT_SCENE_NORMAL,
     UNIT_SCENE_DEPTH,
     UNIT_GRAB,
     UNIT_OUTLINE,
-    UNIT_POST,
     UNIT_COUNT,
 };
 

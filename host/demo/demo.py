@@ -10,15 +10,22 @@ import json
 import os
 import pathlib
 import shutil
+import struct
 import subprocess
 import sys
 import tempfile
 
 sys.path.insert(0, str(pathlib.Path(__file__).parent))
-import dynamic_resolution
-import real_program  # one module a chapter
+import dynamic_resolution  # one module a chapter
+import frame_repetition
 import page
+import real_program
+import render_sizes
+import scenes
+import super_resolution
 
+CHAPTERS = [module.chapter for module in (real_program, dynamic_resolution, super_resolution, frame_repetition, scenes,
+                                         render_sizes)]
 PROJECT = pathlib.Path(__file__).resolve().parents[2]
 
 
@@ -41,7 +48,7 @@ class Stage:
         if done.returncode != 0:
             raise RuntimeError(f"{command[0]} ended with {done.returncode}:\n{path.read_text()[-2000:]}")
 
-    def run_under_library(self, name, program, configuration=None, package="com.miHoYo.Yuanshen", **more):
+    def run_under_library(self, name, program, configuration=None, package="com.miHoYo.Yuanshen", properties=None, **more):
         """Runs a program through the launcher and answers its report. configuration None: the library is left out."""
         root = self.scratch / name
         root.mkdir()
@@ -51,6 +58,8 @@ class Stage:
         else:
             (self.out / f"{name}.config.json").write_text(json.dumps(configuration, indent=4) + "\n")
             command += ["--config", self.out / f"{name}.config.json"]
+        for key, value in (properties or {}).items():
+            command += ["--prop", f"{key}={value}"]
         self.run([*command, "--", *program], f"{name}.log", **more)
         report = json.loads((root / "report.json").read_text())
         if not report["processes"]:
@@ -75,6 +84,11 @@ class Stage:
             server.terminate()
             server.wait()
 
+    def size(self, picture):
+        """Width and height of a PNG file, as 1280x720."""
+        width, height = struct.unpack(">II", pathlib.Path(picture).read_bytes()[16:24])
+        return f"{width}x{height}"
+
     def compare(self, a, b, difference):
         done = subprocess.run([self.tools / "orvel-compare", a, b, difference], check=True, capture_output=True, text=True)
         return json.loads(done.stdout)
@@ -92,7 +106,7 @@ def main():
     problems = []
     with tempfile.TemporaryDirectory() as scratch:
         stage = Stage(out, pathlib.Path(scratch))
-        for chapter in (real_program.chapter, dynamic_resolution.chapter):
+        for chapter in CHAPTERS:
             try:
                 title, content, found = chapter(stage)
             except (RuntimeError, subprocess.CalledProcessError, OSError) as error:

@@ -9,6 +9,8 @@ h1 { line-height: 1.2; } h2 { margin-top: 2.5rem; border-top: 1px solid var(--li
 table { border-collapse: collapse; margin: 1rem 0; } td, th { border: 1px solid var(--line); padding: .3rem .7rem; text-align: left; }
 pre { background: var(--soft); padding: 1rem; overflow-x: auto; font-size: .85rem; line-height: 1.35; }
 mark.old { background: #f002; color: var(--bad); } mark.new { background: #0f02; color: var(--good); }
+.detail { overflow: hidden; position: relative; max-width: 100%; }
+.detail img { position: absolute; max-width: none; transform-origin: 0 0; image-rendering: pixelated; }
 figure { margin: 0; } figcaption { font-size: .9rem; } img { max-width: 100%; background: #000; }
 .row { display: flex; flex-wrap: wrap; gap: 1rem; } .row > * { flex: 1 1 20rem; min-width: 0; }
 code.hook { display: inline-block; background: var(--soft); padding: 0 .4rem; margin: .1rem; border-radius: .3rem; }
@@ -27,6 +29,15 @@ def table(header, rows):
 
 def figure(image, caption):
     return f'<figure><img src="{escape(image)}" alt="{escape(caption)}"><figcaption>{escape(caption)}</figcaption></figure>'
+
+
+def detail(image, caption, part, zoom=3):
+    """A part of a picture (left, top, width, height), every pixel zoom times as large."""
+    left, top, width, height = part
+    style = f"width:{width * zoom}px;height:{height * zoom}px"
+    return (f'<figure><div class="detail" style="{style}"><img src="{escape(image)}" alt="{escape(caption)}" '
+            f'style="transform:scale({zoom});left:{-left * zoom}px;top:{-top * zoom}px"></div>'
+            f"<figcaption>{escape(caption)}</figcaption></figure>")
 
 
 def side_by_side(parts):

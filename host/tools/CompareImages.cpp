@@ -51,6 +51,50 @@ bool write(const char* path, const Image& image) {
     return true;
 }
 
+double luma(const Image& image, uint32_t x, uint32_t y) { // Rec. 601
+    const uint8_t* pixel = &image.rgb[(size_t{y} * image.width + x) * 3];
+    return 0.299 * pixel[0] + 0.587 * pixel[1] + 0.114 * pixel[2];
+}
+
+/**
+ * Structural similarity of the luma, the mean over windows of 8 by 8 pixels that overlap by half (Wang et al., "Image
+ * quality assessment: from error visibility to structural similarity", 2004, with K1 = 0.01 and K2 = 0.03).
+ * @return 1 for equal pictures; nothing for pictures smaller than a window
+ */
+std::optional<double> structuralSimilarity(const Image& a, const Image& b) {
+    constexpr uint32_t kSide = 8;
+    constexpr double kCount = kSide * kSide;
+    constexpr double kC1 = 0.01 * 255 * 0.01 * 255;
+    constexpr double kC2 = 0.03 * 255 * 0.03 * 255;
+    double sum = 0;
+    size_t windows = 0;
+    for (uint32_t top = 0; top + kSide <= a.height; top += kSide / 2) {
+        for (uint32_t left = 0; left + kSide <= a.width; left += kSide / 2) {
+            double sumA = 0, sumB = 0, sumAA = 0, sumBB = 0, sumAB = 0;
+            for (uint32_t y = top; y < top + kSide; ++y) {
+                for (uint32_t x = left; x < left + kSide; ++x) {
+                    const double pixelA = luma(a, x, y);
+                    const double pixelB = luma(b, x, y);
+                    sumA += pixelA;
+                    sumB += pixelB;
+                    sumAA += pixelA * pixelA;
+                    sumBB += pixelB * pixelB;
+                    sumAB += pixelA * pixelB;
+                }
+            }
+            const double meanA = sumA / kCount;
+            const double meanB = sumB / kCount;
+            const double varianceA = sumAA / kCount - meanA * meanA;
+            const double varianceB = sumBB / kCount - meanB * meanB;
+            const double covariance = sumAB / kCount - meanA * meanB;
+            sum += (2 * meanA * meanB + kC1) * (2 * covariance + kC2) /
+                   ((meanA * meanA + meanB * meanB + kC1) * (varianceA + varianceB + kC2));
+            ++windows;
+        }
+    }
+    return windows ? std::optional(sum / static_cast<double>(windows)) : std::nullopt;
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -88,8 +132,10 @@ int main(int argc, char** argv) {
     const double meanSquare = squares / static_cast<double>(a->rgb.size());
     // Peak signal to noise ratio in decibels: 10 log10(255^2 / mean squared error); null where nothing differs.
     const std::string psnr = meanSquare > 0 ? std::to_string(10 * std::log10(255.0 * 255.0 / meanSquare)) : "null";
-    std::printf(
-        "{\"width\": %u, \"height\": %u, \"different_pixels\": %zu, \"largest_difference\": %d, \"psnr\": %s}\n",
-        a->width, a->height, differentPixels, largest, psnr.c_str());
+    const auto similarity = structuralSimilarity(*a, *b);
+    std::printf("{\"width\": %u, \"height\": %u, \"different_pixels\": %zu, \"largest_difference\": %d, "
+                "\"psnr\": %s, \"ssim\": %s}\n",
+                a->width, a->height, differentPixels, largest, psnr.c_str(),
+                similarity ? std::to_string(*similarity).c_str() : "null");
     return 0;
 }
