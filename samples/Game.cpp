@@ -12,7 +12,8 @@ struct Entry {
     std::unique_ptr<Game> (*make)(const Options&);
 };
 
-constexpr Entry kGames[] = {{"yuanshen", makeYuanshen}, {"hkrpg", makeHkrpg}, {"harrypotter", makeHarryPotter}};
+constexpr Entry kGames[] = {
+    {"yuanshen", makeYuanshen}, {"hkrpg", makeHkrpg}, {"harrypotter", makeHarryPotter}, {"video", makeVideo}};
 
 const Entry* findGame(const std::string& name) {
     for (const Entry& entry : kGames) {

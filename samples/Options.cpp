@@ -18,11 +18,13 @@ constexpr char kUsage[] =
   to the window (no display is needed) and draws a sharp user interface over it. What a frame looks
   like depends on its number alone.
 
-  --game NAME              whose habits of drawing: yuanshen, hkrpg, harrypotter (yuanshen)
+  --game NAME              whose habits of drawing: yuanshen, hkrpg, harrypotter, video (yuanshen)
   --frames N               frames to draw (120)
   --window WxH             size of the window (1280x720)
   --x11                    a window on the X server that DISPLAY names
   --thread-name NAME       name of the thread that owns the window (UnityMain, as the engine calls it)
+  --contexts N             draw on so many threads at once, each with a window and a context of its own; pictures,
+                           times and commands are the first one's (1)
   --base WxH               size of the render targets (1920x1080)
   --work N                 rounds of extra work per pixel of a render target, at most 60000 (0)
   --png DIR                where pictures go, as frame-0001.png
@@ -118,6 +120,9 @@ void checkTogether(const Options& options) {
             wrong("%s names frame %d, the last one is %d", option, frame, options.frames);
         }
     }
+    if (options.x11 && options.contexts > 1) {
+        wrong("--contexts needs windows without a display");
+    }
     if (options.game != "yuanshen" && options.illegalProgramAt != kNever) {
         wrong("--illegal-program-at is a habit of yuanshen");
     }
@@ -128,6 +133,7 @@ void checkTogether(const Options& options) {
 Options parseOptions(int argc, char** argv) {
     constexpr int kMostFrames = 1000000;
     constexpr int kMostWork = 60000; // llvmpipe ends a shader's loop after 65535 rounds
+    constexpr int kMostContexts = 16;
     constexpr int kLongestFrame = 10000;
     Options options;
     for (int i = 1; i < argc; i += 2) {
@@ -156,6 +162,8 @@ Options parseOptions(int argc, char** argv) {
             options.window = size(argv[i], value);
         } else if (option == "--thread-name") {
             options.threadName = value;
+        } else if (option == "--contexts") {
+            options.contexts = number(argv[i], value, 1, kMostContexts);
         } else if (option == "--base") {
             options.base = size(argv[i], value);
         } else if (option == "--work") {

@@ -23,6 +23,7 @@ struct Options {
     Size window{1280, 720};
     bool x11 = false;
     std::string threadName = "UnityMain";
+    int contexts = 1; // each on a thread of its own
     Size base{1920, 1080};
     int work = 0;
     std::string pictureFolder; // empty: no pictures

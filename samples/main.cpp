@@ -9,6 +9,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <thread>
+#include <vector>
 
 namespace {
 
@@ -45,6 +46,21 @@ void writePicture(const Options& options, const sample::Window& window, int fram
     sample::writePicture(options.pictureFolder + name, window.size());
 }
 
+/** One more context, on the calling thread; nobody looks at its pictures. */
+void playUnseen(Options options) {
+    options.commands.clear();
+    options.screenshots.clear();
+    sample::Window window(options);
+    const auto game = sample::makeGame(options);
+    for (int frame = 1; frame <= options.frames; ++frame) {
+        const auto start = Clock::now();
+        game->drawFrame(frame);
+        reportErrors(frame);
+        std::this_thread::sleep_until(start + std::chrono::milliseconds(options.minFrameMilliseconds));
+        window.swap();
+    }
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -57,7 +73,11 @@ int main(int argc, char** argv) {
         }
         std::fputs("frame,milliseconds\n", times);
     }
-    sample::Window window(options);
+    sample::Window window(options); // first: it prepares the environment, too
+    std::vector<std::thread> others;
+    for (int i = 1; i < options.contexts; ++i) {
+        others.emplace_back(playUnseen, options);
+    }
     const auto game = sample::makeGame(options);
     for (int frame = 1; frame <= options.frames; ++frame) {
         runCommands(options, frame);
@@ -72,6 +92,9 @@ int main(int argc, char** argv) {
         writePicture(options, window, frame);
         std::this_thread::sleep_until(start + std::chrono::milliseconds(options.minFrameMilliseconds));
         window.swap();
+    }
+    for (std::thread& other : others) {
+        other.join();
     }
     if (times && std::fclose(times) != 0) {
         sample::fail("cannot write %s", options.timesFile.c_str());

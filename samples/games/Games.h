@@ -8,5 +8,6 @@ namespace sample {
 std::unique_ptr<Game> makeYuanshen(const Options& options);
 std::unique_ptr<Game> makeHkrpg(const Options& options);
 std::unique_ptr<Game> makeHarryPotter(const Options& options);
+std::unique_ptr<Game> makeVideo(const Options& options);
 
 } // namespace sample
