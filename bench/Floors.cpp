@@ -1,5 +1,6 @@
 #include "Floors.h"
 
+#include "legacy/OrvelSRControl.h"
 #include "settings/orvel_modify_params.h"
 
 #include <cstdlib>
@@ -48,6 +49,9 @@ void GL_APIENTRY floorViewport(GLint x, GLint y, GLsizei width, GLsizei height) 
     if (mEnableScaleResolutionSize) {
         feature();
     }
+    if (orvel::OrvelSRControl::isBackbufferSizeAsked()) {
+        feature();
+    }
     next::gl.glViewport(x, y, width, height);
 }
 
@@ -67,6 +71,9 @@ void GL_APIENTRY floorDrawElements(GLenum mode, GLsizei count, GLenum type, cons
     if (mEnableHPTransferRecognize) {
         feature();
     }
+    if (orvel::OrvelSRControl::isConfigured()) {
+        feature();
+    }
     next::gl.glDrawElements(mode, count, type, indices);
 }
 
@@ -75,6 +82,9 @@ void GL_APIENTRY floorUniform4fv(GLint location, GLsizei count, const GLfloat* v
         feature();
     }
     if (mEnableScaleResolutionSize) {
+        feature();
+    }
+    if (orvel::OrvelSRControl::isBackbufferSizeAsked()) {
         feature();
     }
     next::gl.glUniform4fv(location, count, value);
