@@ -27,7 +27,8 @@ inline bool isTexelSize(const float* v) {
  * Rewrites the size in a uniform of one of the two forms, in the same form.
  * @param v          four floats
  * @param changeSize called with int& width and int& height, cut off to integers; may change both
- * @return whether v was rewritten: not, and deliberately so, when even one of the two stays what it is
+ * @return whether v was rewritten: not, and deliberately so, when even one of the two stays what it is. A size with a
+ *         fraction counts as changed.
  */
 template <typename ChangeSize>
 bool rewriteScreenSizeUniform(float* v, ChangeSize changeSize) {

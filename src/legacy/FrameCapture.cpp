@@ -89,7 +89,9 @@ void recreateCopy(int32_t width, int32_t height) {
     next::gl.glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_R, GL_CLAMP_TO_EDGE);
     next::gl.glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_SRGB_DECODE_EXT, GL_DECODE_EXT);
     next::gl.glBindTexture(GL_TEXTURE_2D, gameTexture); // the next frame may go on with it
+}
 
+void recreateFramebuffer() {
     if (mDFITempFramebuffer) {
         next::gl.glDeleteFramebuffers(1, &mDFITempFramebuffer);
     }
@@ -124,8 +126,12 @@ void saveFrame(EGLDisplay display, EGLSurface surface) {
     if (width < 1 || height < 1) {
         return; // the driver does not know the surface: nothing can be kept, and the swap will say so
     }
-    if (!mDFITempTexture || width != mSurfaceWidth || height != mSurfaceHeight) {
+    const bool hasCopy = mDFITempTexture && width == mSurfaceWidth && height == mSurfaceHeight;
+    if (!hasCopy) {
         recreateCopy(width, height);
+    }
+    if (!hasCopy || !mDFITempFramebuffer) {
+        recreateFramebuffer();
     }
     next::gl.glBindFramebuffer(GL_READ_FRAMEBUFFER, 0);
     next::gl.glBindFramebuffer(GL_DRAW_FRAMEBUFFER, mDFITempFramebuffer);

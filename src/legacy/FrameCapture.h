@@ -8,7 +8,7 @@
 namespace android {
 
 extern int64_t mDFITimestamp;        // of the frame that was kept last, nanoseconds of the monotonic clock
-extern uint32_t mDFITempTexture;     // what a frame is kept in, 0 none yet; made once per size, never freed
+extern uint32_t mDFITempTexture;     // what a frame is kept in, 0 none yet; remade when the surface's size changes
 extern uint32_t mDFITempFramebuffer; // that texture, to be drawn into and read from
 extern int32_t mSurfaceWidth;        // size of the texture
 extern int32_t mSurfaceHeight;

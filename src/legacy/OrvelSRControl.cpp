@@ -1,5 +1,6 @@
 #include "legacy/OrvelSRControl.h"
 
+#include "base/OrvelGuard.h"
 #include "base/OrvelLog.h"
 #include "legacy/OrvelBackbufferControl.h"
 #include "next/OrvelNext.h"
@@ -40,23 +41,27 @@ void OrvelSRControl::initSuperResolutionConfig() {
 
 void OrvelSRControl::doGameSuperResolution() {
     if (hasSizes() && mPackageName.empty()) {
-        mPackageName = OrvelSettings::getInstance().mPackageName.string();
-        updateGameSRConfig();
-        if (mSwitchStatusSR >= 0) {
-            ORVEL_LOGI("Support SuperResolution SR.");
-            mSupportSR = true;
-            mFile.watch();
-        }
+        guarded("super resolution", [&] { readSwitchOnce(); });
     }
     if (mFile.wasWritten()) {
         updateGameSRConfig();
     }
 }
 
+void OrvelSRControl::readSwitchOnce() {
+    mPackageName = OrvelSettings::getInstance().mPackageName.string();
+    updateGameSRConfig();
+    if (mSwitchStatusSR >= 0) {
+        ORVEL_LOGI("Support SuperResolution SR.");
+        mSupportSR = true;
+        mFile.watch();
+    }
+}
+
 void OrvelSRControl::updateGameSRConfig() {
     constexpr int32_t kUnreadable = -1;
     mSwitchStatusSR = mFile.read(mPackageName).value_or(kUnreadable);
-    ORVEL_LOGI("SuperResolution SR mSwitchStatusSR:%d", mSwitchStatusSR);
+    ORVEL_LOGI("SuperResolution SR mSwitchStatusSR:%d", mSwitchStatusSR.load());
     updateBackbufferSize();
 }
 
@@ -66,14 +71,11 @@ void OrvelSRControl::updateBackbufferSize() {
         return;
     }
     const auto& sizes = prefs->mBackbufferSizes;
-    if (mSwitchStatusSR == 1) {
-        ORVEL_LOGD("mBFSizeConfig SR ON");
-        mTargetBackbufferSize = {sizes[6], sizes[7]};
-    } else {
-        ORVEL_LOGD("mBFSizeConfig SR OFF");
-        mTargetBackbufferSize = {sizes[4], sizes[5]};
-    }
-    const auto [width, height] = mTargetBackbufferSize;
+    const bool on = mSwitchStatusSR == 1;
+    ORVEL_LOGD("mBFSizeConfig SR %s", on ? "ON" : "OFF");
+    const int32_t width = on ? sizes[6] : sizes[4];
+    const int32_t height = on ? sizes[7] : sizes[5];
+    mTargetBackbufferSize.store({width, height}, std::memory_order_relaxed);
     sBackbufferSizeAsked.store(width >= 1 && height >= 1, std::memory_order_relaxed);
     if (OrvelBackbufferControl::getInstance().setANWBuffersGeometry(width, height)) {
         next::gl.glViewport(0, 0, width, height);
@@ -85,15 +87,15 @@ void OrvelSRControl::updateBackbufferSize() {
 
 void OrvelSRControl::recordFSRProgramByProgramLabel(unsigned type, unsigned name, const char* label) {
     if (hasSizes() && type == GL_PROGRAM_OBJECT_EXT && std::strcmp(label, "Hidden/PostProcessing/Copy") == 0) {
-        mFSRPrograms.insert(name);
+        guarded("super resolution", [&] { mFSRPrograms.insert(name); });
     }
 }
 
 void OrvelSRControl::hookForPostprocess() {
-    if (!hasSizes() || mSwitchStatusSR != 1) {
+    if (!hasSizes() || mSwitchStatusSR.load(std::memory_order_relaxed) != 1) {
         return;
     }
-    // A query that fails leaves these values, which fit no final copy.
+    // A query that fails leaves these values; those that decide fit no final copy.
     GLint program = 0;
     next::gl.glGetIntegerv(GL_CURRENT_PROGRAM, &program);
     if (!mFSRPrograms.contains(static_cast<uint32_t>(program))) {
@@ -130,7 +132,7 @@ void OrvelSRControl::hookForPostprocess() {
     next::gl.glBindFramebuffer(GL_DRAW_FRAMEBUFFER, static_cast<GLuint>(drawFramebuffer));
     next::gl.glBindFramebuffer(GL_READ_FRAMEBUFFER, static_cast<GLuint>(readFramebuffer));
     next::gl.glUseProgram(static_cast<GLuint>(program));
-    // Required so: the games' final copy draws with a vertex array of the array buffer's name, 0 as a rule.
+    // Deliberate: the games' final copy draws with a vertex array of the array buffer's name, 0 as a rule.
     next::gl.glBindVertexArray(static_cast<GLuint>(arrayBuffer));
     next::gl.glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, static_cast<GLuint>(elementBuffer));
 }

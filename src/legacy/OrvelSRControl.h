@@ -3,6 +3,7 @@
 
 #include "legacy/OrvelSR.h"
 #include "legacy/SwitchFile.h"
+#include "settings/OrvelTexSize.h"
 
 #include <atomic>
 #include <cstdint>
@@ -15,7 +16,8 @@
 namespace android::orvel {
 
 /**
- * One instance for the process, used on the game's rendering thread. The watched file "sr" switches it: just before a
+ * One instance for the process. What is marked so may be called on any thread, the rest on the game's rendering thread:
+ * the one that swaps, labels and draws the final copy. The watched file "sr" switches it: just before a
  * labelled copy to the window samples a picture of the reduced size, that picture is replaced by its upscaled one.
  */
 class OrvelSRControl {
@@ -46,12 +48,16 @@ public:
      * @param label zero-terminated
      */
     void recordFSRProgramByProgramLabel(unsigned type, unsigned name, const char* label);
-    /** @return width and height asked of the window's buffers; 0, 0 until there was a request */
-    std::pair<int32_t, int32_t> getTargetBackbufferSize() const { return mTargetBackbufferSize; }
+    /** @return width and height asked of the window's buffers; 0, 0 until there was a request. Any thread. */
+    std::pair<int32_t, int32_t> getTargetBackbufferSize() const {
+        const auto size = mTargetBackbufferSize.load(std::memory_order_relaxed);
+        return {size.width, size.height};
+    }
 
 private:
     OrvelSRControl() = default;
     bool hasSizes() const;
+    void readSwitchOnce();
 
     static inline std::atomic<bool> sConfigured{false};
     static inline std::atomic<bool> sBackbufferSizeAsked{false};
@@ -62,11 +68,11 @@ private:
     int32_t mTargetSRHeightSize = 0;
     std::unordered_set<uint32_t> mFSRPrograms; // only grows: a game makes its copy programs once
     OrvelSR mSR;
-    int32_t mSwitchStatusSR = std::numeric_limits<int32_t>::max(); // 1 on, anything else off
+    std::atomic<int32_t> mSwitchStatusSR{std::numeric_limits<int32_t>::max()}; // 1 on, anything else off
     std::string mPackageName;
     bool mSupportSR = false; // the switch could be read at start
     SwitchFile mFile{"/data/system/mcd/sr", "SuperResolution SR"};
-    std::pair<int32_t, int32_t> mTargetBackbufferSize{0, 0};
+    std::atomic<com::velmor::ravelo::TEX_SIZE> mTargetBackbufferSize{{0, 0}};
     std::mutex mMutex; // never locked: one thread
 };
 

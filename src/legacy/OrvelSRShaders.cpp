@@ -28,7 +28,8 @@ in vec2 vs_TEXCOORD0;
 layout(location = 0) out vec4 SV_Target0;
 
 // Of numbers that are not negative: they are ordered like the integers that their bits make, and integers are cheaper to
-// compare wherever min and max have to mind NaN.
+// compare wherever min and max have to mind NaN. (A negative colour of a float texture sorts below all
+// others, and is stored as 0 in the end either way.)
 float least(float a, float b) { return intBitsToFloat(min(floatBitsToInt(a), floatBitsToInt(b))); }
 float most(float a, float b) { return intBitsToFloat(max(floatBitsToInt(a), floatBitsToInt(b))); }
 vec3 least(vec3 a, vec3 b) { return intBitsToFloat(min(floatBitsToInt(a), floatBitsToInt(b))); }
@@ -111,8 +112,8 @@ void main() {
         direction *= inverseRoot(square);
     }
 
-    // The kernel: longer across the edge's run the stronger the edge, and up to the diagonal's length on a diagonal;
-    // its lobe goes from a window of two texels, blurring, to one with negative sides, sharpening.
+    // The kernel: the stronger the edge, the longer along it and the narrower across it, by up to sqrt(2) on a diagonal;
+    // the window grows from a radius of sqrt(2) texels to a little over two, and its negative sides deepen.
     float stretch = dot(direction, direction) * reciprocal(most(abs(direction.x), abs(direction.y)));
     vec2 scale = vec2(1.0 + (stretch - 1.0) * strength, 1.0 - 0.5 * strength);
     float lobe = 0.5 - 0.29 * strength;

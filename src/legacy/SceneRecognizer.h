@@ -130,8 +130,8 @@ inline void SceneRecognizer::checkTransferPatternHP(const int& count) {
         orvel::appendToHistory(mHPEleCountArr, count);
         return;
     }
-    static constexpr int32_t kOldest[] = {6, 6, 6,
-                                          12}; // deliberately not the latest: one more draw comes before the end
+    // Deliberately not the latest: one more draw comes before the end.
+    static constexpr int32_t kOldest[] = {6, 6, 6, 12};
     if (count == 0 && std::equal(std::begin(kOldest), std::end(kOldest), mHPEleCountArr)) {
         countTransfer("checkTransferPatternHP");
     }

@@ -5,6 +5,7 @@
 #include "base/OrvelParse.h"
 #include "base/OrvelPaths.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <sys/inotify.h>

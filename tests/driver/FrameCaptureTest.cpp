@@ -1,4 +1,4 @@
-// Repeated frames, screenshots and scene reports on Mesa: pixels, and what the game's context is left with.
+// Repeated frames and screenshots on Mesa: pixels, and what the game's context is left with.
 #include "GameProcess.h"
 
 #include <gmock/gmock.h>
@@ -10,7 +10,7 @@ using testing::Not;
 
 namespace {
 
-constexpr char kLabelled[] = "vendor.orvel.debug=true\n";
+constexpr char kVerbose[] = "vendor.orvel.debug=true\n";
 
 /** Clears a rectangle; the colours that the tests use are exact in eight bits. */
 void fill(int x, int y, int width, int height, float red, float green) {
@@ -50,7 +50,7 @@ constexpr uint32_t kYellow = 0xFF00FFFF;
 // frame that is repeated within the interval, and an error of ours that the game finds.
 TEST(RepeatedFrame, HoldsThePixelsOfTheFirst) {
     GameProcess game("com.miHoYo.Yuanshen", R"({"configs":{"dfi_interval":"60000"}})");
-    game.root().write("/properties", kLabelled);
+    game.root().write("/properties", kVerbose);
     const Context context;
     ASSERT_TRUE(context.makeCurrent());
     GLuint texture = 0;

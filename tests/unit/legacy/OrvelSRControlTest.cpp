@@ -1,9 +1,9 @@
 #include "legacy/OrvelSRControl.h"
 
+#include "DesktopWindow.h"
 #include "LogCapture.h"
 #include "RecordingDriver.h"
 #include "TestRoot.h"
-#include "DesktopWindow.h"
 #include "legacy/OrvelBackbufferControl.h"
 #include "loader/OrvelLegacyHooks.h"
 #include "next/OrvelNext.h"
@@ -15,6 +15,7 @@
 
 #include <filesystem>
 #include <map>
+#include <numeric>
 #include <sys/prctl.h>
 
 using namespace android;
@@ -22,8 +23,10 @@ using android::orvel::OrvelBackbufferControl;
 using android::orvel::OrvelSRControl;
 using android::orvel::next::GlTable;
 using com::velmor::ravelo::TEX_SIZE;
+using testing::Contains;
 using testing::ElementsAre;
 using testing::IsSupersetOf;
+using testing::Not;
 
 namespace {
 
@@ -53,10 +56,14 @@ protected:
         mPrefs->mBackbufferSizes = {2712, 1220, 100, 200, 1808, 814, 2400, 1080};
         mPrefs->mBackbufferSizeValid = true;
         mDriver->answer<&GlTable::glGetIntegerv>([this](GLenum name, GLint* value) {
-            if (const auto state = mState.find(name); state != mState.end()) {
+            if (name == GL_VIEWPORT || name == GL_SCISSOR_BOX) {
+                std::iota(value, value + 4, name == GL_VIEWPORT ? 1 : 5);
+            } else if (const auto state = mState.find(name); state != mState.end()) {
                 *value = state->second;
             }
         });
+        mDriver->answer<&GlTable::glLabelObjectEXT>(
+            [this](GLenum, GLuint, GLsizei, const GLchar* label) { mLabels.push_back(label); });
         mDriver->answer<&GlTable::glGetTexLevelParameteriv>(
             [this](GLenum, GLint, GLenum name, GLint* value) { *value = mState[name]; });
         mDriver->answer<&GlTable::glGenTextures>([this](GLsizei, GLuint* name) { *name = mNextName++; });
@@ -100,12 +107,13 @@ protected:
     std::map<GLenum, GLint> mState;
     FakeWindow mWindow;
     OrvelSRControl& mControl = OrvelSRControl::getInstance();
+    std::vector<std::string> mLabels;
     GLuint mNextName = 100;
 };
 
 } // namespace
 
-// Catches a pass that is missing or misplaced, state that is restored in another order or beyond what is agreed, and
+// Catches a pass that is missing or misplaced, state that is restored in another order or beyond what the copy needs, and
 // objects that are made a second time.
 TEST_F(SuperResolution, ReplacesThePictureOfTheFinalCopy) {
     start();
@@ -115,13 +123,40 @@ TEST_F(SuperResolution, ReplacesThePictureOfTheFinalCopy) {
     mDriver->answer<&GlTable::glGenVertexArrays>([this](GLsizei, GLuint* name) { *name = mNextName++; });
     mDriver->answer<&GlTable::glCreateProgram>([this] { return mNextName++; });
     mDriver->answer<&GlTable::glGenFramebuffers>([this](GLsizei, GLuint* name) { *name = mNextName++; });
-    EXPECT_THAT(draw(), IsSupersetOf({call("glTexStorage2D", GL_TEXTURE_2D, 1, GL_RGBA8, 2712, 1220)}));
+    Calls made;
+    for (const std::string& each : draw()) { // the second pass is made after the first one has drawn
+        const std::string name = each.substr(0, each.find('('));
+        if (name == "glTexParameteri" || name == "glTexStorage2D" || name == "glDrawArrays" ||
+            name == "glBindAttribLocation" || name == "glLinkProgram") {
+            made.push_back(name == "glTexParameteri" || name == "glTexStorage2D" ? each : name);
+        }
+    }
+    const auto parameter = [](GLenum name, GLint value) { return call("glTexParameteri", GL_TEXTURE_2D, name, value); };
+    const Calls pass = {call("glTexStorage2D", GL_TEXTURE_2D, 1, GL_RGBA8, 2712, 1220),
+                        parameter(GL_TEXTURE_BASE_LEVEL, 0),
+                        parameter(GL_TEXTURE_MAX_LEVEL, 0),
+                        parameter(GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE),
+                        parameter(GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE),
+                        parameter(GL_TEXTURE_WRAP_R, GL_CLAMP_TO_EDGE),
+                        parameter(GL_TEXTURE_MIN_FILTER, GL_NEAREST),
+                        parameter(GL_TEXTURE_MAG_FILTER, GL_NEAREST),
+                        parameter(GL_TEXTURE_MIN_FILTER, GL_LINEAR),
+                        parameter(GL_TEXTURE_MAG_FILTER, GL_LINEAR),
+                        parameter(GL_TEXTURE_MAX_ANISOTROPY_EXT, 1),
+                        parameter(GL_TEXTURE_SRGB_DECODE_EXT, GL_DECODE_EXT),
+                        "glBindAttribLocation",
+                        "glLinkProgram",
+                        "glDrawArrays"};
+    Calls both = pass;
+    both.insert(both.end(), pass.begin(), pass.end());
+    EXPECT_EQ(made, both);
+    EXPECT_THAT(mLabels, ElementsAre("Hidden/PostProcessing/Copy", "FSREASU", "FSRRCAS"));
     const GLuint easu = 100; // names in order: texture, framebuffer, program, vertex array of each pass
     const GLuint rcas = 104;
     const Calls second = draw();
     Calls kept;
     std::copy_if(second.begin(), second.end(), std::back_inserter(kept),
-                 [](const std::string& made) { return made.find("glGet") != 0 && made.find("glUniform") != 0; });
+                 [](const std::string& each) { return each.find("glGet") != 0 && each.find("glUniform") != 0; });
     EXPECT_THAT(kept,
                 ElementsAre(call("glBindTexture", GL_TEXTURE_2D, 41),
                             call("glBindFramebuffer", GL_DRAW_FRAMEBUFFER, easu + 1),
@@ -131,8 +166,8 @@ TEST_F(SuperResolution, ReplacesThePictureOfTheFinalCopy) {
                             call("glBindFramebuffer", GL_DRAW_FRAMEBUFFER, rcas + 1), call("glUseProgram", rcas + 2),
                             call("glBindVertexArray", rcas + 3), call("glDrawArrays", GL_TRIANGLES, 0, 3),
                             // The result stays bound; the vertex array takes the array buffer's name.
-                            call("glBindTexture", GL_TEXTURE_2D, rcas), call("glViewport", 0, 0, 0, 0),
-                            call("glScissor", 0, 0, 0, 0), call("glBindFramebuffer", GL_DRAW_FRAMEBUFFER, 0),
+                            call("glBindTexture", GL_TEXTURE_2D, rcas), call("glViewport", 1, 2, 3, 4),
+                            call("glScissor", 5, 6, 7, 8), call("glBindFramebuffer", GL_DRAW_FRAMEBUFFER, 0),
                             call("glBindFramebuffer", GL_READ_FRAMEBUFFER, 42), call("glUseProgram", kCopyProgram),
                             call("glBindVertexArray", 43), call("glBindBuffer", GL_ELEMENT_ARRAY_BUFFER, 44),
                             call("glDrawElements", GL_TRIANGLES, 6, GL_UNSIGNED_SHORT, nullptr)));
@@ -177,8 +212,12 @@ TEST_F(SuperResolution, LeavesEverythingElseAlone) {
         "switched on", [] {}, true);
     mPrefs->mSRSizes[0].height = 0;
     start();
+    mGame.glLabelObjectEXT(GL_PROGRAM_OBJECT_EXT, 79, 0, "Hidden/PostProcessing/Copy"); // not even recorded
     check("a size below 1", [] {});
     EXPECT_EQ(draw().size(), 1u); // and nothing is even asked
+    mPrefs->mSRSizes[0].height = 728;
+    start();
+    check("recorded too early", [&] { mState[GL_CURRENT_PROGRAM] = 79; });
 }
 
 // Catches a switch that is read in another way, at another time or without being watched; another log text.
@@ -238,7 +277,8 @@ TEST_F(SuperResolution, ResizesTheWindowWithTheSwitch) {
     LogCapture log;
     swap();
     EXPECT_TRUE(log.has(ANDROID_LOG_ERROR, "setANWBuffersGeometry, scale backbuffer error!")); // not that thread's
-    EXPECT_EQ(mControl.getTargetBackbufferSize(), std::pair(1808, 814));                       // but asked for
+    EXPECT_THAT(mDriver->calls(), Not(Contains(call("glViewport", 0, 0, 1808, 814))));
+    EXPECT_EQ(mControl.getTargetBackbufferSize(), std::pair(1808, 814)); // but asked for
     makeSurface();
     mDriver->forget();
     write("game 1");

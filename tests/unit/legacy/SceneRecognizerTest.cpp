@@ -234,13 +234,12 @@ TEST(HkrpgScenes, FollowTheMinimapOfEachFrame) {
         return text;
     };
     game.mRecognizer->tick();
-    EXPECT_EQ(frame({0, 5, 0}), "");
     label(5, "Minimap_Chap02_ADV_City_BackGround");
     label(6, "Minimap_Chap02_ADV_X2_Background");
     label(7, "Minimap_Chap02_MAZ_X21_BackGround");
     label(3, "Minimap_Chap01_ADV_Area_Square_01_BackGround");
     label(4, "Minimap_Chap02_ADV_X2_BackGround"); // not that label
-    EXPECT_EQ(frame({5, ~0u - 1}), "") << "no icon yet";
+    EXPECT_EQ(frame({5, 0}), "") << "no icon yet";
     label(9, "AvatarIcon");
     EXPECT_EQ(frame({9}), "");
     EXPECT_EQ(frame({5, 9}), "recognizeHkrpgScene 1: 1009");
@@ -259,8 +258,10 @@ TEST(HkrpgScenes, FollowTheMinimapOfEachFrame) {
 TEST(SceneReport, SendsHkrpgScenesWheneverNothingElseIsOn) {
     RecognisedGame game;
     for (const int32_t scene : {4, 4, 5, -1}) { // numbers without an id repeat the last
+        const int64_t start = orvel::monotonicNanos();
         game.mRecognizer->recognizeHkrpgScene(scene);
         EXPECT_THAT(game.mRecognizer->tick(), ElementsAre(1012)) << scene;
+        EXPECT_EQ(orvel::monotonicNanos() - start, 2'000'000'000);
     }
     game.mRecognizer->recognizeHkrpgScene(1);
     game.play(kTransfer);
@@ -337,5 +338,5 @@ TEST(SceneThread, TicksWhileTheGameDraws) {
     EXPECT_STREQ(game.mRecognizer->mThreadName, "RecognizeBossTh"); // as much as the system keeps
     EXPECT_TRUE(game.mLog.has(ANDROID_LOG_INFO, "RecognizeBossThread startThread"));
     EXPECT_TRUE(game.mLog.has(ANDROID_LOG_INFO, "RecognizeBossThread stopThread"));
-    EXPECT_EQ(game.mRecognizer->sent(), sent) << "stopped";
+    EXPECT_FALSE(game.mRecognizer->isRunning());
 }

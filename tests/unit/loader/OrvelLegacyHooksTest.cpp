@@ -1,6 +1,10 @@
 #include "loader/OrvelLegacyHooks.h"
 
+#include "LogCapture.h"
 #include "RecordingDriver.h"
+#include "TestRoot.h"
+#include "legacy/FrameCapture.h"
+#include "legacy/SceneRecognizer.h"
 #include "next/OrvelNext.h"
 #include "settings/orvel_modify_params.h"
 
@@ -11,6 +15,7 @@
 
 using namespace android;
 using android::orvel::next::GlTable;
+namespace next = android::orvel::next;
 using testing::ElementsAre;
 
 namespace {
@@ -192,4 +197,68 @@ TEST(SGameSwap, CallsTheEntryItFound) {
     EXPECT_EQ(driver->connection()->platform.eglSwapBuffers(nullptr, nullptr), EGLBoolean(EGL_TRUE));
     EXPECT_EQ(calls, 1);
     EXPECT_TRUE(driver->calls().empty());
+}
+
+// Catches a feature whose switch does not open the gate of one of its hooks, and a swap whose steps come in another
+// order: each feature is on alone.
+TEST_F(LegacyHooks, EachFeatureOpensItsGates) {
+    TestRoot root;
+    mDriver->answer<&GlTable::glGetTexLevelParameteriv>([](GLenum, GLint, GLenum, GLint* value) { *value = 4; });
+    const auto seen = [&](auto play) {
+        mDriver->forget();
+        play();
+        return mDriver->calls();
+    };
+    mEnableShadingRate = true;
+    mShadingRate = 3;
+    static GLenum rate;
+    for (const auto draw : {0, 1}) {
+        rate = 0;
+        next::ext.glShadingRateEXT = [](GLenum value) { rate = value; };
+        draw ? mGame.glDrawArrays(1, 2, 3) : mGame.glDrawElements(1, 2, 3, nullptr);
+        EXPECT_EQ(rate, GLenum(GL_SHADING_RATE_2X2_PIXELS_EXT));
+    }
+    mEnableShadingRate = false;
+    mEnableAFModify = true;
+    mTargetAFValue = 2;
+    EXPECT_THAT(seen([&] { mGame.glTexParameteri(1, GL_TEXTURE_MAX_ANISOTROPY_EXT, 16); }),
+                ElementsAre(call("glTexParameteri", 1, GL_TEXTURE_MAX_ANISOTROPY_EXT, 2)));
+    mEnableAFModify = false;
+    mEnableYSSceneRecognize = true;
+    mSceneRecognizer = new SceneRecognizer;
+    EXPECT_EQ(seen([&] { mGame.glBindTexture(1, 2); }).size(), 3u); // two questions about what was bound before
+    mEnableYSSceneRecognize = false;
+    mEnableHkrpgSceneRecognize = true;
+    mGame.glLabelObjectEXT(GL_TEXTURE, 5, 0, "Minimap_Chap02_ADV_City_BackGround");
+    mGame.glLabelObjectEXT(GL_TEXTURE, 6, 0, "AvatarIcon");
+    mGame.glBindTexture(GL_TEXTURE_2D, 5);
+    mGame.glBindTexture(GL_TEXTURE_2D, 6);
+    LogCapture log;
+    mPlatform.eglSwapBuffers(nullptr, nullptr);
+    EXPECT_TRUE(log.has(ANDROID_LOG_INFO, "recognizeHkrpgScene 1"));
+    mEnableHkrpgSceneRecognize = false;
+}
+
+// Catches a swap whose steps come in another order, and a second swap that goes through a hook.
+TEST_F(LegacyHooks, SwapKeepsTheFrameAroundTheRealSwap) {
+    mDFIInterval = 1;
+    mDriver->answer<&platform_impl_t::eglQuerySurface>([](EGLDisplay, EGLSurface, EGLint, EGLint* value) {
+        *value = 8;
+        return EGLBoolean(EGL_TRUE);
+    });
+    const auto steps = [&](auto swap) {
+        mDFITimestamp = 0;
+        mDriver->forget();
+        swap();
+        std::string found;
+        for (const std::string& made : mDriver->calls()) {
+            found += made.find("glBlitFramebuffer") == 0 ? "blit " : "";
+            found += made.find("platform.eglSwapBuffers") == 0 ? "swap " : "";
+        }
+        return found;
+    };
+    EXPECT_EQ(steps([&] { mPlatform.eglSwapBuffers(nullptr, nullptr); }), "blit swap blit swap ");
+    installOrvelSGAMEHooks(mDriver->connection());
+    gSwapbuffers = next::platform.eglSwapBuffers;
+    EXPECT_EQ(steps([&] { mPlatform.eglSwapBuffers(nullptr, nullptr); }), "blit swap blit swap ");
 }

@@ -1,0 +1,20 @@
+// Keeps our exceptions out of the game.
+#pragma once
+
+#include "base/OrvelLog.h"
+
+#include <exception>
+
+namespace android::orvel {
+
+/** Runs work; what it throws ends in the log. Not for the draw path, where nothing throws. */
+template <typename Work>
+void guarded(const char* what, Work&& work) {
+    try {
+        work();
+    } catch (const std::exception& error) {
+        ORVEL_LOGE("%s failed: %s", what, error.what());
+    }
+}
+
+} // namespace android::orvel
