@@ -1,0 +1,82 @@
+#include "next/OrvelVisualProgram.h"
+
+#include "LogCapture.h"
+#include "MesaContext.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <vector>
+
+using android::orvel::next::OrvelVisualProgram;
+using testing::ElementsAre;
+
+namespace {
+
+constexpr char kVertex[] = "#version 310 es\nvoid main() { gl_Position = vec4(0.0); }\n";
+constexpr char kFragment[] = R"(#version 310 es
+precision highp float;
+uniform vec4 param;
+uniform float steps[3];
+layout(std140) uniform Block { vec4 inside; };
+out vec4 colour;
+void main() { colour = param * steps[1] + inside; }
+)";
+constexpr char kOther[] = "#version 310 es\nprecision highp float;\nuniform vec4 other;\nout vec4 c;\n"
+                          "void main() { c = other; }\n";
+
+} // namespace
+
+// Catches uniforms that are lost or kept from an earlier program, and one in a block that gets a location.
+TEST(OrvelVisualProgram, KnowsTheUniformsOfItsPresentProgram) {
+    const MesaContext context;
+    OrvelVisualProgram program;
+    EXPECT_EQ(program.GetUniformLocation("param"), -1);
+    program.CreateFromShaderSource(kVertex, kFragment);
+    ASSERT_TRUE(program.IsValid());
+    EXPECT_EQ(program.GetUniformLocation("param"), glGetUniformLocation(program.GetProgram(), "param"));
+    EXPECT_EQ(program.GetUniformLocation("steps[0]"), glGetUniformLocation(program.GetProgram(), "steps[0]"));
+    EXPECT_EQ(program.GetUniformLocation("inside"), -1);
+    program.CreateFromShaderSource(kVertex, kOther);
+    EXPECT_EQ(program.GetUniformLocation("param"), -1);
+    EXPECT_NE(program.GetUniformLocation("other"), -1);
+    EXPECT_EQ(glGetError(), GLenum(GL_NO_ERROR));
+}
+
+// Catches a program that is used although it failed, and a failure that is not said.
+TEST(OrvelVisualProgram, FailureLeavesItUnused) {
+    const MesaContext context;
+    LogCapture log;
+    OrvelVisualProgram program;
+    program.CreateFromShaderSource("nonsense", "nonsense");
+    program.CreateFromShaderSource(kVertex, "nonsense");
+    program.CreateFromShaderSource(kVertex, "#version 310 es\nprecision highp float;\nin vec4 nowhere;\nout vec4 c;\n"
+                                            "void main() { c = nowhere; }\n");
+    char noBinary[16] = {};
+    EXPECT_FALSE(program.CreateFromBinarySource(noBinary, 0x1234, sizeof noBinary));
+    EXPECT_THAT(log.texts(ANDROID_LOG_DEBUG), ElementsAre("vcf", "fcf", "pcf", "bpcf"));
+    while (glGetError() != GL_NO_ERROR) { // the binary's unknown format is an error
+    }
+    program.Use();
+    GLint current = -1;
+    glGetIntegerv(GL_CURRENT_PROGRAM, &current);
+    EXPECT_EQ(current, 0);
+}
+
+// Catches a binary that does not come back as the same program.
+TEST(OrvelVisualProgram, BinaryMakesTheProgramAgain) {
+    const MesaContext context;
+    OrvelVisualProgram program;
+    program.CreateFromShaderSource(kVertex, kOther);
+    GLint length = 0;
+    glGetProgramiv(program.GetProgram(), GL_PROGRAM_BINARY_LENGTH, &length);
+    std::vector<char> binary(static_cast<size_t>(length));
+    GLenum format = 0;
+    glGetProgramBinary(program.GetProgram(), length, nullptr, &format, binary.data());
+    ASSERT_TRUE(program.CreateFromBinarySource(binary.data(), format, length));
+    EXPECT_NE(program.GetUniformLocation("other"), -1);
+    program.Use();
+    GLint current = 0;
+    glGetIntegerv(GL_CURRENT_PROGRAM, &current);
+    EXPECT_EQ(static_cast<GLuint>(current), program.GetProgram());
+}
