@@ -75,7 +75,8 @@ void OrvelSRControl::updateBackbufferSize() {
     ORVEL_LOGD("mBFSizeConfig SR %s", on ? "ON" : "OFF");
     const int32_t width = on ? sizes[6] : sizes[4];
     const int32_t height = on ? sizes[7] : sizes[5];
-    mTargetBackbufferSize.store({width, height}, std::memory_order_relaxed);
+    mTargetBackbufferSize.width.store(width, std::memory_order_relaxed);
+    mTargetBackbufferSize.height.store(height, std::memory_order_relaxed);
     sBackbufferSizeAsked.store(width >= 1 && height >= 1, std::memory_order_relaxed);
     if (OrvelBackbufferControl::getInstance().setANWBuffersGeometry(width, height)) {
         next::gl.glViewport(0, 0, width, height);

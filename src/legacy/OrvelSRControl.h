@@ -3,7 +3,6 @@
 
 #include "legacy/OrvelSR.h"
 #include "legacy/SwitchFile.h"
-#include "settings/OrvelTexSize.h"
 
 #include <atomic>
 #include <cstdint>
@@ -50,8 +49,8 @@ public:
     void recordFSRProgramByProgramLabel(unsigned type, unsigned name, const char* label);
     /** @return width and height asked of the window's buffers; 0, 0 until there was a request. Any thread. */
     std::pair<int32_t, int32_t> getTargetBackbufferSize() const {
-        const auto size = mTargetBackbufferSize.load(std::memory_order_relaxed);
-        return {size.width, size.height};
+        return {mTargetBackbufferSize.width.load(std::memory_order_relaxed),
+                mTargetBackbufferSize.height.load(std::memory_order_relaxed)};
     }
 
 private:
@@ -72,7 +71,10 @@ private:
     std::string mPackageName;
     bool mSupportSR = false; // the switch could be read at start
     SwitchFile mFile{"/data/system/mcd/sr", "SuperResolution SR"};
-    std::atomic<com::velmor::ravelo::TEX_SIZE> mTargetBackbufferSize{{0, 0}};
+    struct {
+        std::atomic<int32_t> width{0};
+        std::atomic<int32_t> height{0};
+    } mTargetBackbufferSize;
     std::mutex mMutex; // never locked: one thread
 };
 
