@@ -1,8 +1,11 @@
-// orvel_bench: the cost of the legacy hooks with every feature off, with dynamic resolution on, with every recogniser on.
+// orvel_bench: the cost of the legacy hooks with every feature off, with dynamic resolution on, with every recogniser
+// on, and of the framework's hooks.
 //   orvel_bench [Google Benchmark's options]   times
 //   orvel_bench --count                        under callgrind: one dump per measurement, for instruction counts
 #include "DynamicResolution.h"
 #include "Floors.h"
+#include "FrameworkBench.h"
+#include "Measure.h"
 #include "NullDriver.h"
 #include "SceneRecognition.h"
 #include "loader/OrvelLegacyHooks.h"
@@ -11,19 +14,10 @@
 
 #include <android/log.h>
 
-#include <benchmark/benchmark.h>
-
 #include <cstdio>
 #include <cstring>
 #include <string>
 #include <vector>
-
-#if __has_include(<valgrind/callgrind.h>)
-#include <valgrind/callgrind.h>
-#else
-#define CALLGRIND_ZERO_STATS
-#define CALLGRIND_DUMP_STATS_AT(text) (void)(text)
-#endif
 
 using namespace android;
 using orvel::next::GlTable;
@@ -52,15 +46,10 @@ void connect() {
     installRecognitionFloors(sRecognisingFloor.gl);
     sHooked = sDirect;
     installOrvelHooks(&sHooked);
+    connectFramework(sConnection);
 }
 
 const GLfloat kVector[4] = {1, 2, 3, 4};
-
-/** One call through a table, as a public entry makes it. */
-struct Call {
-    const char* name;
-    void (*make)(const GlTable& table);
-};
 
 const Call kCalls[] = {
     {"glDrawArrays", [](const GlTable& t) { t.glDrawArrays(GL_TRIANGLES, 0, 3); }},
@@ -69,11 +58,6 @@ const Call kCalls[] = {
     {"glViewport", [](const GlTable& t) { t.glViewport(0, 0, 1280, 720); }},
     {"glDrawElements", [](const GlTable& t) { t.glDrawElements(GL_TRIANGLES, 6, GL_UNSIGNED_SHORT, nullptr); }},
     {"glUniform4fv", [](const GlTable& t) { t.glUniform4fv(0, 1, kVector); }},
-};
-
-struct Way {
-    const char* name;
-    gl_hooks_t* table;
 };
 
 const GLfloat kScreenSize[4] = {1920, 1080, 1 + 1 / 1920.0f, 1 + 1 / 1080.0f};
@@ -137,31 +121,15 @@ public:
     ~RecognisedGame() { endRecognition(); }
 };
 
-struct NoFeature {};
 struct ShrunkGame : Game {
     ShrunkGame() : Game(kRecordedTextures) {}
 };
-
-/** Measures each call each way while one Feature lives. */
-template <typename Feature, size_t Calls, size_t Ways>
-void registerCalls(const Call (&calls)[Calls], const Way (&ways)[Ways]) {
-    for (const Way& way : ways) {
-        for (const Call& call : calls) {
-            benchmark::RegisterBenchmark((std::string(call.name) + "/" + way.name).c_str(),
-                                         [&call, &way](benchmark::State& state) {
-                                             [[maybe_unused]] const Feature feature;
-                                             for (auto _ : state) {
-                                                 call.make(way.table->gl);
-                                             }
-                                         });
-        }
-    }
-}
 
 void registerTimes() {
     registerCalls<NoFeature>(kCalls, kWays);
     registerCalls<ShrunkGame>(kRewritingCalls, kRewritingWays);
     registerCalls<RecognisedGame>(kRecognisingCalls, kRecognisingWays);
+    registerFrameworkTimes();
     benchmark::RegisterBenchmark("switch/of 8 textures", [](benchmark::State& state) {
         const Game game(8);
         for (auto _ : state) {
@@ -181,28 +149,11 @@ void registerTimes() {
     }
 }
 
-/** One dump per call and way while one Feature lives. */
-template <typename Feature, size_t Calls, size_t Ways>
-void countCalls(const Call (&calls)[Calls], const Way (&ways)[Ways]) {
-    constexpr int kTimes = 1000;
-    [[maybe_unused]] const Feature feature;
-    for (const Call& call : calls) {
-        for (const Way& way : ways) {
-            call.make(way.table->gl); // the first call resolves what is resolved lazily
-            CALLGRIND_ZERO_STATS;
-            for (int i = 0; i < kTimes; ++i) {
-                call.make(way.table->gl);
-            }
-            const std::string label = std::string(call.name) + "/" + way.name;
-            CALLGRIND_DUMP_STATS_AT(label.c_str());
-        }
-    }
-}
-
 void countInstructions() {
     countCalls<NoFeature>(kCalls, kWays);
     countCalls<ShrunkGame>(kRewritingCalls, kRewritingWays);
     countCalls<RecognisedGame>(kRecognisingCalls, kRecognisingWays);
+    countFrameworkInstructions();
 }
 
 } // namespace

@@ -1,11 +1,67 @@
 #include "app/OrvelProcessorDataBase.h"
 
 #include "app/OrvelApplicationUtils.h"
+#include "app/OrvelProcessorModuleDataBase.h"
+#include "base/OrvelLog.h"
+#include "settings/GameInfoMonitor.h"
+#include "settings/OrvelSettings.h"
+
+#include <json/value.h>
 
 #include <algorithm>
+#include <optional>
+#include <stdexcept>
 #include <unordered_set>
+#include <utility>
 
 namespace android::orvel::app {
+
+namespace {
+
+constexpr char kBaseInfoKey[] = "xrender_BaseInfo";
+constexpr char kCheckMainInfoKey[] = "xrender_CheckMainInfo";
+constexpr char kPayloadDataKey[] = "xrender_PayloadData";
+
+constexpr uint32_t kModuleBits = 30; // the mask's bits above these name no module
+constexpr int32_t kByThreadName = 1; // value of mainContextMode
+
+/** @return the key's value as text; nothing when it is missing, or a list or an object, which is logged */
+std::optional<std::string> textOf(const Json::Value& json, const char* key) {
+    if (!json.isObject() || !json.isMember(key)) {
+        return std::nullopt;
+    }
+    const Json::Value& value = json[key];
+    if (!value.isConvertibleTo(Json::stringValue)) {
+        ORVEL_LOGE("configuration of \"%s\" is malformed: no text", key);
+        return std::nullopt;
+    }
+    return value.asString();
+}
+
+/** Runs a conversion of the standard library; what it throws then says which key's text was no number. */
+template <typename Convert>
+auto numberOf(const char* key, const std::string& text, Convert convert) {
+    const auto problem = [&](const char* what) {
+        return '"' + std::string(key) + "\" is " + what + ": \"" + text + '"';
+    };
+    try {
+        return convert(text);
+    } catch (const std::out_of_range&) {
+        throw std::out_of_range(problem("out of range"));
+    } catch (const std::invalid_argument&) {
+        throw std::invalid_argument(problem("no number"));
+    }
+}
+
+std::string listOf(const std::vector<uint32_t>& ids) {
+    std::string list;
+    for (const uint32_t id : ids) {
+        list += ' ' + std::to_string(id);
+    }
+    return list.empty() ? " none" : list;
+}
+
+} // namespace
 
 OrvelProcessorDataBase::~OrvelProcessorDataBase() {
     for (const auto& [id, data] : moduleData) {
@@ -18,31 +74,167 @@ void OrvelProcessorDataBase::ParsePayloadData(const std::string&) {}
 void OrvelProcessorDataBase::ColloctModuleExtensionFunctions() {}
 
 const std::vector<std::string>& OrvelProcessorDataBase::GetModuleExtensionFunctions(uint32_t) {
-    static const std::vector<std::string> none;
+    static const auto& none = *new std::vector<std::string>; // never destroyed, as all that hooks may ask for
     return none;
 }
 
 void OrvelProcessorDataBase::CheckExtensionFunctions(std::function<bool(const std::string&)> isMissing) {
-    std::unordered_set<uint32_t> dropped; // collected first: erasing an id changes the map
-    for (const auto& [name, ids] : extensionFunctions) {
-        if (isMissing(name)) {
-            dropped.insert(ids.begin(), ids.end());
+    std::vector<std::string> names;
+    {
+        const std::lock_guard lock(mMutex);
+        names = mFunctionOrder;
+    }
+    std::erase_if(names, [&](const std::string& name) { return !isMissing(name); }); // calls the driver: not locked
+    {
+        const std::lock_guard lock(mMutex);
+        std::unordered_set<uint32_t> dropped; // collected first: erasing an id changes the map
+        for (const std::string& name : names) {
+            if (const auto needed = extensionFunctions.find(name); needed != extensionFunctions.end()) {
+                dropped.insert(needed->second.begin(), needed->second.end());
+            }
+        }
+        for (const uint32_t id : dropped) {
+            EraseLocked(id);
         }
     }
-    for (const uint32_t id : dropped) {
+    // The one line that tells what this process's processors are made of; they all are alike.
+    ORVEL_LOGI("framework: processor %d, modules%s", static_cast<int>(OrvelSettings::getInstance().mApplicationType),
+               listOf(GetModuleIds()).c_str());
+}
+
+void OrvelProcessorDataBase::InitProcessorConfigData(const Json::Value& json) {
+    if (const auto text = textOf(json, kBaseInfoKey); text && !text->empty()) {
+        baseInfo |=
+            numberOf(kBaseInfoKey, *text, [](const std::string& mask) { return std::stoull(mask, nullptr, 10); });
+    }
+    if (baseInfo == 0) {
+        return; // not a target of the framework
+    }
+    InitProcessorCreateInfo();
+    InitModuleIdArray(static_cast<uint32_t>(baseInfo));
+    if (const auto text = textOf(json, kCheckMainInfoKey); text && !text->empty()) {
+        InitMainContext(*text);
+    }
+    if (const auto payload = textOf(json, kPayloadDataKey)) {
+        ParsePayloadData(*payload);
+    }
+    std::vector<uint32_t> unusable;
+    for (const uint32_t id : GetModuleIds()) {
+        if (!InitProcessorModuleData(id, json)) {
+            unusable.push_back(id);
+        }
+    }
+    for (const uint32_t id : unusable) {
         EraseModuleId(id);
+    }
+    if (HasAnyModuleId()) {
+        ColloctModuleExtensionFunctions();
+        GameInfoMonitor::getInstance().start();
     }
 }
 
-// The framework's keys are read once its modules exist; until then no process has an active framework, and nothing
-// starts the game-information monitor.
-void OrvelProcessorDataBase::InitProcessorConfigData(const Json::Value&) {}
-
-void OrvelProcessorDataBase::EraseModuleId(uint32_t id) {
-    if (!HasModuleId(id)) {
+void OrvelProcessorDataBase::InitMainContext(const std::string& text) {
+    const std::vector<std::string> fields = OrvelSettings::split(text, ";"); // none of them is empty
+    if (fields.empty()) {
         return;
     }
-    std::erase(moduleIds, id);
+    mainContextMode =
+        numberOf(kCheckMainInfoKey, fields[0], [](const std::string& mode) { return std::stoi(mode, nullptr, 10); });
+    if (fields.size() > 1) {
+        mainThreadName = fields[1];
+    } else if (mainContextMode == kByThreadName) {
+        mainContextMode = 0; // by thread name, but by which?
+    }
+}
+
+void OrvelProcessorDataBase::InitModuleIdArray(uint32_t mask) {
+    for (uint32_t bit = 0; bit < kModuleBits; ++bit) {
+        const uint32_t id = 1u << bit;
+        if ((mask & id) != 0 && !HasModuleId(id)) {
+            AppendModuleId(id);
+            InitModuleCreateInfo(id);
+        }
+    }
+}
+
+bool OrvelProcessorDataBase::InitProcessorModuleData(uint32_t id, const Json::Value& json) {
+    if (GetProcessorModuleData(id)) {
+        return true;
+    }
+    module::OrvelProcessorModuleDataBase* data = CreateProcessorModuleData(id, json);
+    if (!data || !data->valid) {
+        ReleaseProcessorModuleData(data);
+        return false;
+    }
+    const std::lock_guard lock(mMutex);
+    moduleData[id] = data;
+    return true;
+}
+
+void OrvelProcessorDataBase::EraseModuleId(uint32_t id) {
+    const std::lock_guard lock(mMutex);
+    EraseLocked(id);
+}
+
+bool OrvelProcessorDataBase::HasAnyModuleId() const { return mHasAnyModuleId.load(std::memory_order_relaxed); }
+
+bool OrvelProcessorDataBase::HasModuleId(uint32_t id) const {
+    const std::lock_guard lock(mMutex);
+    return std::find(moduleIds.begin(), moduleIds.end(), id) != moduleIds.end();
+}
+
+std::vector<uint32_t> OrvelProcessorDataBase::GetModuleIds() const {
+    const std::lock_guard lock(mMutex);
+    return moduleIds;
+}
+
+module::OrvelProcessorModuleDataBase* OrvelProcessorDataBase::GetProcessorModuleData(uint32_t id) {
+    const std::lock_guard lock(mMutex);
+    const auto data = moduleData.find(id);
+    return data == moduleData.end() ? nullptr : data->second;
+}
+
+void OrvelProcessorDataBase::ColloctExtensionFunctions(
+    const std::unordered_map<uint32_t, std::vector<std::string>>& perModule) {
+    const std::lock_guard lock(mMutex);
+    for (const uint32_t id : moduleIds) {
+        const auto names = perModule.find(id);
+        if (names == perModule.end()) {
+            continue;
+        }
+        for (const std::string& name : names->second) {
+            const auto [needed, isNew] = extensionFunctions.try_emplace(name);
+            needed->second.push_back(id);
+            if (isNew) {
+                mFunctionOrder.push_back(name);
+            }
+        }
+    }
+}
+
+void OrvelProcessorDataBase::RemoveExtensionFunction(const std::string& name) {
+    const std::lock_guard lock(mMutex);
+    const auto needed = extensionFunctions.find(name);
+    if (needed == extensionFunctions.end()) {
+        return;
+    }
+    const std::vector<uint32_t> ids = needed->second; // a copy: erasing an id changes the list
+    for (const uint32_t id : ids) {
+        EraseLocked(id);
+    }
+}
+
+void OrvelProcessorDataBase::AppendModuleId(uint32_t id) {
+    const std::lock_guard lock(mMutex);
+    moduleIds.push_back(id);
+    mHasAnyModuleId.store(true, std::memory_order_relaxed);
+}
+
+void OrvelProcessorDataBase::EraseLocked(uint32_t id) {
+    if (std::erase(moduleIds, id) == 0) {
+        return;
+    }
+    mHasAnyModuleId.store(!moduleIds.empty(), std::memory_order_relaxed);
     if (const auto data = moduleData.find(id); data != moduleData.end()) {
         ReleaseProcessorModuleData(data->second);
         moduleData.erase(data);
@@ -55,42 +247,8 @@ void OrvelProcessorDataBase::EraseModuleId(uint32_t id) {
         std::erase(needed->second, id);
         if (needed->second.empty()) {
             extensionFunctions.erase(needed);
+            std::erase(mFunctionOrder, name);
         }
-    }
-}
-
-bool OrvelProcessorDataBase::HasAnyModuleId() const { return !moduleIds.empty(); }
-
-bool OrvelProcessorDataBase::HasModuleId(uint32_t id) const {
-    return std::find(moduleIds.begin(), moduleIds.end(), id) != moduleIds.end();
-}
-
-module::OrvelProcessorModuleDataBase* OrvelProcessorDataBase::GetProcessorModuleData(uint32_t id) {
-    const auto data = moduleData.find(id);
-    return data == moduleData.end() ? nullptr : data->second;
-}
-
-void OrvelProcessorDataBase::ColloctExtensionFunctions(
-    const std::unordered_map<uint32_t, std::vector<std::string>>& perModule) {
-    for (const uint32_t id : moduleIds) {
-        const auto names = perModule.find(id);
-        if (names == perModule.end()) {
-            continue;
-        }
-        for (const std::string& name : names->second) {
-            extensionFunctions[name].push_back(id);
-        }
-    }
-}
-
-void OrvelProcessorDataBase::RemoveExtensionFunction(const std::string& name) {
-    const auto needed = extensionFunctions.find(name);
-    if (needed == extensionFunctions.end()) {
-        return;
-    }
-    const std::vector<uint32_t> ids = needed->second; // a copy: erasing an id changes the list
-    for (const uint32_t id : ids) {
-        EraseModuleId(id);
     }
 }
 

@@ -1,6 +1,7 @@
 #include "base/OrvelParse.h"
 
 #include <algorithm>
+#include <cctype>
 #include <cerrno>
 #include <charconv>
 #include <cstdlib>
@@ -30,6 +31,16 @@ std::vector<std::string> splitText(const std::string& text, const std::string& d
         begin = text.find_first_not_of(delimiters, end);
     }
     return pieces;
+}
+
+std::string oneLine(std::string text) {
+    constexpr size_t kMostLogged = 200;
+    std::replace_if(
+        text.begin(), text.end(), [](unsigned char c) { return std::iscntrl(c); }, ' ');
+    if (text.size() > kMostLogged) {
+        text.replace(kMostLogged, text.npos, "...");
+    }
+    return text;
 }
 
 static constexpr std::string_view kBlanks = " \t\n\v\f\r";

@@ -22,6 +22,9 @@ std::optional<int32_t> parseInt(const std::string& text);
  */
 std::vector<std::string> splitText(const std::string& text, const std::string& delimiters);
 
+/** @return somebody else's text as it can stand in one log line: without control characters, cut off when it is long */
+std::string oneLine(std::string text);
+
 // The fields of a line, taken one after the other as a stream's >> would.
 
 /** Removes the leading blanks, then what follows up to the next blank. @return what followed */

@@ -1,5 +1,6 @@
 #include "loader/OrvelLoader.h"
 
+#include "app/ConfiguredModules.h"
 #include "app/OrvelApplicationUtils.h"
 #include "app/OrvelProcessorDataBase.h"
 #include "base/OrvelLog.h"
@@ -17,8 +18,8 @@ namespace android {
 
 namespace {
 
-OrvelStubImpl impl;
-bool mInitialized = false; // initOrvel has run, whatever it came to
+OrvelStubImpl& impl = *new OrvelStubImpl; // never destroyed: render threads swap while the process ends
+bool mInitialized = false;                // initOrvel has run, whatever it came to
 
 gl_hooks_t* gles2Table(egl_connection_t* cnx) { return cnx ? cnx->hooks[egl_connection_t::GLESv2_INDEX] : nullptr; }
 
@@ -28,7 +29,7 @@ gl_hooks_t* gles2Table(egl_connection_t* cnx) { return cnx ? cnx->hooks[egl_conn
  */
 void resolveExtensionFunctions(const orvel::next::MissingTest& isMissing) {
     const auto* prefs = orvel::OrvelSettings::getInstance().mPrefs;
-    if (prefs && prefs->mProcessorData && prefs->mProcessorData->HasAnyModuleId()) {
+    if (orvel::app::HasConfiguredModules()) {
         prefs->mProcessorData->CheckExtensionFunctions(isMissing);
     }
     if (prefs && prefs->mShadingRateEnabled) { // legacy games have no modules; either function will do

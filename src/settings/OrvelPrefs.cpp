@@ -17,6 +17,7 @@
 namespace com::velmor::ravelo {
 
 namespace app = android::orvel::app;
+using android::orvel::oneLine;
 using android::orvel::OrvelSettings;
 using android::orvel::parseInt;
 using android::orvel::splitText;
@@ -27,18 +28,6 @@ constexpr int kFirstKeySet = 1;
 constexpr int kLastKeySet = 15;
 constexpr int kKeySetAnisotropy = 3;
 constexpr int kKeySetDynamicFrameInterval = 15;
-
-constexpr size_t kMostLogged = 200; // characters of somebody else's text
-
-/** @return text as it can stand in one log line */
-std::string oneLine(std::string text) {
-    std::replace_if(
-        text.begin(), text.end(), [](unsigned char c) { return std::iscntrl(c); }, ' ');
-    if (text.size() > kMostLogged) {
-        text.replace(kMostLogged, text.npos, "...");
-    }
-    return text;
-}
 
 void logMalformed(const char* key, const std::string& text) {
     ORVEL_LOGE("configuration of \"%s\" is malformed: \"%s\"", key, oneLine(text).c_str());
@@ -131,7 +120,7 @@ void OrvelPrefs::initProcessorData() {
         mProcessorData->InitProcessorConfigData(mConfigs);
     } catch (const std::exception& error) {
         // No half-built module list may stay: ids without their data, never checked against the driver.
-        ORVEL_LOGE("configuration of the processor is malformed: %s", error.what());
+        ORVEL_LOGE("configuration of the processor is malformed: %s", oneLine(error.what()).c_str());
         app::OrvelProcessorDataBase* empty = app::CreateProcessorData();
         app::ReleaseProcessorData(mProcessorData);
         mProcessorData = empty;

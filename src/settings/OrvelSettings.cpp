@@ -49,7 +49,7 @@ int32_t read(const std::atomic<int32_t>& field) { return field.load(std::memory_
 } // namespace
 
 OrvelSettings& OrvelSettings::getInstance() {
-    static OrvelSettings settings;
+    static auto& settings = *new OrvelSettings; // never destroyed: hooks may still run while the process ends
     return settings;
 }
 
@@ -58,7 +58,7 @@ OrvelSettings::OrvelSettings() : mPid(getpid()) {}
 OrvelSettings::~OrvelSettings() {
     sLastRecipient.clear(); // no notice may come for what is about to go
     replaceRemoteBinder(nullptr);
-    delete std::exchange(mPrefs, nullptr); // render threads may still ask while the process ends
+    delete std::exchange(mPrefs, nullptr);
 }
 
 void OrvelSettings::init() {

@@ -1,11 +1,16 @@
 #include "app/OrvelProcessorDataBase.h"
 
-#include "app/OrvelApplicationUtils.h"
+#include "LogCapture.h"
+#include "TestRoot.h"
+#include "app/FrameworkProcess.h"
+#include "app/OrvelModuleBase.h"
+#include "app/OrvelProcessorBase.h"
 #include "app/OrvelProcessorModuleDataBase.h"
-#include "settings/OrvelSettings.h"
 
 #include <gmock/gmock.h>
-#include <json/value.h>
+#include <json/reader.h>
+
+#include <thread>
 
 using namespace android;
 using namespace android::orvel::app;
@@ -14,11 +19,17 @@ using testing::IsEmpty;
 
 namespace {
 
-/** Two modules that need the same function, one that needs none. */
+Json::Value parse(const std::string& text) {
+    Json::Value json;
+    std::istringstream(text) >> json;
+    return json;
+}
+
+/** Modules 1 and 2 need the same function, 4 needs none. */
 class Data : public OrvelProcessorDataBase {
 public:
     Data() {
-        moduleIds = {1, 2, 4};
+        InitModuleIdArray(1 | 2 | 4);
         moduleData[1] = new module::OrvelProcessorModuleDataBase(Json::Value());
         ColloctExtensionFunctions({{1, {"glA"}}, {2, {"glA", "glB"}}, {8, {"glC"}}});
     }
@@ -26,19 +37,26 @@ public:
         static const std::vector<std::string> names[] = {{}, {"glA"}, {"glA", "glB"}};
         return names[moduleId <= 2 ? moduleId : 0];
     }
+    using OrvelProcessorDataBase::extensionFunctions;
 };
 
-// Catches a module that stays although its function is missing, a claim or parameters that outlive their module.
+// Catches a module that stays although its function is missing, a claim or parameters that outlive their module, a
+// function that is asked for twice, in another order, or not at all: asking resolves it.
 TEST(ProcessorData, ModulesGoWithTheirFunctions) {
     Data data;
     EXPECT_EQ(data.extensionFunctions.size(), 2u);
-    data.CheckExtensionFunctions([](const std::string& name) { return name == "glB"; });
-    EXPECT_THAT(data.moduleIds, ElementsAre(1, 4));
+    std::vector<std::string> asked;
+    data.CheckExtensionFunctions([&](const std::string& name) {
+        asked.push_back(name);
+        return name == "glB";
+    });
+    EXPECT_THAT(asked, ElementsAre("glA", "glB"));
+    EXPECT_THAT(data.GetModuleIds(), ElementsAre(1, 4));
     EXPECT_THAT(data.extensionFunctions, ElementsAre(testing::Pair("glA", ElementsAre(1))));
     data.RemoveExtensionFunction("glUnknown");
     EXPECT_NE(data.GetProcessorModuleData(1), nullptr);
     data.RemoveExtensionFunction("glA");
-    EXPECT_THAT(data.moduleIds, ElementsAre(4));
+    EXPECT_THAT(data.GetModuleIds(), ElementsAre(4));
     EXPECT_EQ(data.GetProcessorModuleData(1), nullptr);
     EXPECT_THAT(data.extensionFunctions, IsEmpty());
     data.EraseModuleId(4);
@@ -47,9 +65,124 @@ TEST(ProcessorData, ModulesGoWithTheirFunctions) {
 
     Data shared;
     shared.RemoveExtensionFunction("glA");
-    EXPECT_THAT(shared.moduleIds, ElementsAre(4)); // both that needed it are gone
+    EXPECT_THAT(shared.GetModuleIds(), ElementsAre(4)); // both that needed it are gone
     EXPECT_THROW(Data().CheckExtensionFunctions({}), std::bad_function_call);
 }
+
+// Catches a list that is read while a function that the application asks for takes a module out of it.
+TEST(ProcessorData, ShrinksUnderItsReaders) {
+    Data data;
+    std::thread game([&] { data.RemoveExtensionFunction("glA"); });
+    while (data.HasModuleId(1)) {
+        EXPECT_FALSE(data.GetModuleIds().empty());
+    }
+    game.join();
+    EXPECT_TRUE(data.HasAnyModuleId());
+}
+
+// ---- from the service's keys ---------------------------------------------------------------------------------------
+
+struct Keys {
+    const char* json;
+    std::vector<uint32_t> ids;
+    int32_t mode = 0;
+    const char* name = "";
+    uint64_t baseInfo = 0;
+};
+
+constexpr char kMode1[] = R"({"xrender_BaseInfo":"2","xrender_CheckMainInfo":"1"})";
+const Keys kKeys[] = {
+    {R"({"xrender_BaseInfo":"262147"})", {1, 2, 262144}, 0, "", 262147},
+    {R"({"xrender_BaseInfo":262146,"xrender_CheckMainInfo":2})", {2, 262144}, 2, "", 262146},
+    {R"({"xrender_BaseInfo":"3221225478"})", {2}, 0, "", 3221225478}, // 4 is no module, 30 and 31 no bits
+    {R"({"xrender_BaseInfo":"4"})", {}, 0, "", 4},
+    {R"({"xrender_BaseInfo":"0","xrender_CheckMainInfo":"2"})", {}},
+    {R"({"xrender_BaseInfo":""})", {}},
+    {R"({"xrender_BaseInfo":["2"]})", {}},
+    {R"({"xrender_CheckMainInfo":"2"})", {}},
+    {R"([1])", {}},
+    {"null", {}},
+    {kMode1, {2}, 0, "", 2},
+    {R"({"xrender_BaseInfo":"2","xrender_CheckMainInfo":"1;"})", {2}, 0, "", 2},
+    {R"({"xrender_BaseInfo":"2","xrender_CheckMainInfo":";"})", {2}, 0, "", 2},
+    {R"({"xrender_BaseInfo":"2","xrender_CheckMainInfo":"1;Unity.*;x"})", {2}, 1, "Unity.*", 2},
+    {R"({"xrender_BaseInfo":"2","xrender_CheckMainInfo":"0;Unity"})", {2}, 0, "Unity", 2},
+    {R"({"xrender_BaseInfo":"2","xrender_CheckMainInfo":"-7"})", {2}, -7, "", 2},
+};
+
+// Catches a mask bit read as a module number, a mode without the pattern it needs, an id without parameters that stays,
+// and a monitor that is started for nothing.
+TEST(ProcessorConfiguration, FillsIdsAndMainContext) {
+    const TestRoot root; // without a file to watch: the monitor says so when it is started
+    orvel::OrvelSettings::getInstance().mApplicationType = APP_TYPE_PUBG;
+    for (const Keys& keys : kKeys) {
+        SCOPED_TRACE(keys.json);
+        OrvelProcessorDataBase* data = CreateProcessorData();
+        LogCapture log;
+        data->InitProcessorConfigData(parse(keys.json));
+        EXPECT_EQ(data->GetModuleIds(), keys.ids);
+        EXPECT_EQ(data->HasAnyModuleId(), !keys.ids.empty());
+        EXPECT_EQ(data->mainContextMode, keys.mode);
+        EXPECT_EQ(data->mainThreadName, keys.name);
+        EXPECT_EQ(data->baseInfo, keys.baseInfo);
+        EXPECT_EQ(log.has(ANDROID_LOG_ERROR, "Orvel fail to use INO for game info: No such file or directory"),
+                  !keys.ids.empty());
+        for (const uint32_t id : keys.ids) {
+            EXPECT_NE(data->GetProcessorModuleData(id), nullptr) << id;
+        }
+        ReleaseProcessorData(data);
+    }
+}
+
+// Catches a malformed number that is taken for none, or that leaves half a configuration behind.
+TEST(ProcessorConfiguration, IsEmptyAfterAMalformedNumber) {
+    const TestRoot root;
+    orvel::OrvelSettings::getInstance().mApplicationType = APP_TYPE_BILI;
+    const char* const texts[][2] = {
+        {R"({"xrender_BaseInfo":"x"})", R"("xrender_BaseInfo" is no number: "x")"},
+        {R"({"xrender_BaseInfo":"99999999999999999999"})",
+         R"("xrender_BaseInfo" is out of range: "99999999999999999999")"},
+        {R"({"xrender_BaseInfo":"262144","xrender_CheckMainInfo":"main;x"})",
+         R"("xrender_CheckMainInfo" is no number: "main")"},
+    };
+    for (const auto& [keys, problem] : texts) {
+        LogCapture log;
+        com::velmor::ravelo::OrvelPrefs prefs;
+        prefs.readFromRavelo(std::string(R"({"configs":)") + keys + "}");
+        EXPECT_FALSE(prefs.mProcessorData->HasAnyModuleId()) << keys;
+        EXPECT_EQ(prefs.mProcessorData->baseInfo, 0u) << keys;
+        EXPECT_THAT(log.texts(ANDROID_LOG_ERROR),
+                    ElementsAre("configuration of the processor is malformed: " + std::string(problem)));
+    }
+}
+
+// Catches a payload that comes after the parameters, or comes though nobody sent one, and parameters that are made
+// twice or kept although they are unusable.
+TEST(ProcessorConfiguration, ParsesThePayloadFirst) {
+    class Payload : public OrvelProcessorDataBase {
+    public:
+        void ParsePayloadData(const std::string& payload) override {
+            payloads.push_back(payload + (moduleData.empty() ? "" : " late"));
+        }
+        std::vector<std::string> payloads;
+    };
+    const TestRoot root;
+    orvel::OrvelSettings::getInstance().mApplicationType = APP_TYPE_PUBG;
+    Payload data;
+    data.InitProcessorConfigData(parse(R"({"xrender_BaseInfo":"1"})"));
+    EXPECT_THAT(data.payloads, IsEmpty());
+    auto* const parameters = data.GetProcessorModuleData(1);
+    EXPECT_TRUE(data.InitProcessorModuleData(1, Json::Value()));
+    EXPECT_EQ(data.GetProcessorModuleData(1), parameters);
+    EXPECT_FALSE(data.InitProcessorModuleData(8, Json::Value()));
+
+    Payload second;
+    second.InitProcessorConfigData(parse(R"({"xrender_BaseInfo":"1","xrender_PayloadData":""})"));
+    second.InitProcessorConfigData(parse(R"({"xrender_PayloadData":"a#b"})"));
+    EXPECT_THAT(second.payloads, ElementsAre("", "a#b late"));
+}
+
+// ---- the factory ---------------------------------------------------------------------------------------------------
 
 // Catches a type in the wrong set: it would get the other hook layer.
 TEST(Factory, SortsApplicationTypes) {
@@ -70,6 +203,54 @@ TEST(Factory, SortsApplicationTypes) {
     ReleaseProcessorData(data);
     ReleaseProcessorData(nullptr);
     ReleaseProcessorModuleData(nullptr);
+    ReleaseGLProcessor(nullptr);
+    ReleaseProcessorGLModule(nullptr);
 }
+
+struct Made {
+    OrvelApplicationType type;
+    uint32_t modules; // of the mask 1 | 2 | 4 | 0x40000, those that exist
+    bool hasProcessor;
+};
+void PrintTo(const Made& made, std::ostream* out) { *out << "type " << made.type; }
+
+class FactoryOf : public testing::TestWithParam<Made> {};
+
+// Catches a type that gets another game's processor or modules, an id that no processor knows and that yields one, and
+// modules out of order.
+TEST_P(FactoryOf, MakesProcessorAndModules) {
+    const Made& made = GetParam();
+    orvel::OrvelSettings::getInstance().mApplicationType = made.type;
+    EXPECT_THROW(CreateGLProcessor(), std::bad_function_call);
+    InitModuleCreateInfo(1); // nothing is registered: nothing happens
+    RegisterProcessorGlobalGLHooks(nullptr);
+    beFramework(made.type, 1 | 2 | 4 | kSharedShading);
+    RegisterProcessorGlobalGLHooks(nullptr);
+    OrvelProcessorBase* processor = CreateGLProcessor();
+    ASSERT_EQ(processor != nullptr, made.hasProcessor);
+    if (processor) {
+        EXPECT_EQ(processor->GetProcessorId(), made.type);
+        processor->OnBegin();
+    }
+    for (const uint32_t id : {1u, 2u, 4u, kSharedShading}) {
+        const bool exists = (made.modules & id) != 0;
+        const auto* found = processor ? processor->GetGLModule(id) : nullptr;
+        EXPECT_EQ(found != nullptr, exists) << id;
+        EXPECT_EQ(found ? found->GetModuleId() : id, id);
+        auto* parameters = CreateProcessorModuleData(id, Json::Value());
+        EXPECT_EQ(parameters != nullptr, exists) << id;
+        ReleaseProcessorModuleData(parameters);
+        RegisterProcessorModuleGlobalGLHooks(id, nullptr);
+    }
+    if (processor) {
+        processor->OnEnd();
+    }
+    ReleaseGLProcessor(processor);
+}
+INSTANTIATE_TEST_SUITE_P(Types, FactoryOf,
+                         testing::Values(Made{APP_TYPE_SGAME, 1 | 2 | kSharedShading, true},
+                                         Made{APP_TYPE_PUBG, 1 | 2 | kSharedShading, true},
+                                         Made{APP_TYPE_7, kSharedShading, true},
+                                         Made{APP_TYPE_BILI, kSharedShading, true}, Made{APP_TYPE_YUANSHEN, 0, false}));
 
 } // namespace

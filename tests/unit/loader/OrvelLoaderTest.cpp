@@ -133,11 +133,11 @@ TEST(InitOrvel, GivesALegacyProcessTheWholeHookTable) {
 TEST(InitOrvel, DropsModulesWhoseFunctionsTheDriverLacks) {
     enableFor(APP_TYPE_SGAME);
     auto* processorData = OrvelSettings::getInstance().mPrefs->mProcessorData;
-    processorData->moduleIds = {1, 2, 4};
-    processorData->extensionFunctions = {{"glShadingRateQCOM", {1}}, {"glNoSuchThing", {2}}};
+    processorData->InitModuleIdArray(1 | 2 | 4);
+    processorData->ColloctExtensionFunctions({{1, {"glShadingRateQCOM", "glShadingRateEXT"}}, {2, {"glNoSuchThing"}}});
     WatchedConnection connection; // its eglGetProcAddress answers null
     stub().earlyInitOrvel(connection.mDriver.connection());
-    EXPECT_EQ(processorData->moduleIds, std::vector<uint32_t>{4});
+    EXPECT_EQ(processorData->GetModuleIds(), std::vector<uint32_t>{4});
 }
 
 class ShadingRateFunctions : public testing::TestWithParam<bool> {};

@@ -1,0 +1,198 @@
+#include "app/OrvelContextManager.h"
+
+#include "app/ConfiguredModules.h"
+#include "app/OrvelProcessorDataBase.h"
+#include "app/OrvelRenderContext.h"
+#include "base/OrvelLog.h"
+#include "base/OrvelPattern.h"
+#include "settings/OrvelSettings.h"
+
+#include <sys/prctl.h>
+#include <system_error>
+#include <utility>
+
+namespace android::orvel {
+
+namespace {
+
+constexpr int32_t kEveryContext = 0;
+constexpr int32_t kByThreadName = 1;
+constexpr int32_t kByPipeline = 2;
+constexpr size_t kThreadNameBytes = 128; // more than any system gives a thread's name
+
+const app::OrvelProcessorDataBase& configuration() { return OrvelSettings::getInstance().getProcessorData(); }
+
+/** The pattern asked for last, compiled: there is one per process. */
+class CompiledPattern {
+public:
+    std::shared_ptr<const OrvelPattern> of(const std::string& text) {
+        const std::lock_guard lock(mMutex);
+        if (!mPattern || text != mText) {
+            mPattern = std::make_shared<OrvelPattern>(text);
+            mText = text;
+        }
+        return mPattern;
+    }
+
+private:
+    std::mutex mMutex;
+    std::string mText;
+    std::shared_ptr<const OrvelPattern> mPattern;
+};
+
+} // namespace
+
+// Never destroyed: render threads may be inside a hook while the process ends, and no context is current then, so the
+// render contexts are let go of as they are.
+OrvelContextManager& OrvelContextManager::GetInstance() {
+    static auto* const instance = new OrvelContextManager;
+    return *instance;
+}
+
+bool OrvelContextManager::CreateAndAddRenderContext(void* eglContext) {
+    if (!app::HasConfiguredModules() || configuration().mainContextMode != kEveryContext) {
+        return true; // the other modes make theirs when a context is made current
+    }
+    const std::lock_guard lock(mMutex);
+    return CreateAndStore(eglContext) != nullptr;
+}
+
+void OrvelContextManager::EraseRenderContext(void* eglContext) {
+    try {
+        const std::lock_guard lock(mMutex);
+        if (auto entry = mRenderContexts.extract(eglContext)) {
+            Retire(std::move(entry.mapped()));
+        }
+    } catch (const std::system_error& error) {
+        ORVEL_LOGW("%s", error.what());
+    }
+}
+
+void OrvelContextManager::MakeCurrentRenderContext(void* eglContext) {
+    try {
+        const std::lock_guard lock(mMutex);
+        if (!eglContext || !app::HasConfiguredModules()) {
+            SetSlot(nullptr);
+            return;
+        }
+        switch (configuration().mainContextMode) {
+        case kByPipeline:
+            MakeCurrentRenderContextPipeline(eglContext);
+            break;
+        case kByThreadName:
+            MakeCurrentRenderContextThreadName(eglContext);
+            break;
+        default:
+            if (OrvelRenderContext* const found = Find(eglContext)) {
+                SetSlot(found);
+            } else { // deliberate: the slot stays as it was
+                ORVEL_LOGW("unrecognized context pointer: %p", eglContext);
+            }
+        }
+    } catch (const std::system_error& error) {
+        ORVEL_LOGW("%s", error.what());
+    }
+}
+
+void OrvelContextManager::MakeCurrentRenderContextThreadName(void* eglContext) {
+    if (!mMainRenderContext && !mMainRenderContextChosen &&
+        CheckIfMainRenderThreadName(configuration().mainThreadName)) {
+        if (OrvelRenderContext* const created = CreateAndStore(eglContext)) {
+            mMainRenderContext = created;
+            mMainRenderContextChosen = true;
+        }
+    }
+    const bool isMain = mMainRenderContext && mMainRenderContext->mContext == eglContext;
+    SetSlot(isMain ? mMainRenderContext : nullptr);
+}
+
+void OrvelContextManager::MakeCurrentRenderContextPipeline(void* eglContext) {
+    if (mMainRenderContext) {
+        SetSlot(mMainRenderContext->mContext == eglContext ? mMainRenderContext : nullptr);
+        return;
+    }
+    if (OrvelRenderContext* const found = Find(eglContext)) {
+        SetSlot(found);
+        return;
+    }
+    const std::string& pattern = configuration().mainThreadName; // an empty one admits every thread
+    if (mMainRenderContextChosen || (!pattern.empty() && !CheckIfMainRenderThreadName(pattern))) {
+        SetSlot(nullptr);
+        return;
+    }
+    SetSlot(CreateAndStore(eglContext));
+}
+
+bool OrvelContextManager::CheckMainRenderContextByPipelineInfo() const {
+    return configuration().mainContextMode == kByPipeline && !mMainRenderContextChosen.load(std::memory_order_relaxed);
+}
+
+void OrvelContextManager::UpdateMainRenderContextByPipelineInfo() {
+    if (mMainRenderContextChosen.load(std::memory_order_relaxed)) {
+        return;
+    }
+    const std::lock_guard lock(mMutex);
+    OrvelRenderContext* const current = gContextTls;
+    // A context that was destroyed while this thread draws with it cannot be the main one.
+    if (mMainRenderContextChosen || !current || Find(current->mContext) != current) {
+        return;
+    }
+    mMainRenderContext = current;
+    mMainRenderContextChosen = true;
+}
+
+bool OrvelContextManager::CheckIfMainRenderThreadName(const std::string& pattern) {
+    static auto* const compiled = new CompiledPattern; // never destroyed, as the manager
+    char name[kThreadNameBytes] = {};
+    prctl(PR_GET_NAME, name);
+    return compiled->of(pattern)->matches(name);
+}
+
+OrvelRenderContext* OrvelContextManager::Find(void* eglContext) const {
+    const auto found = mRenderContexts.find(eglContext);
+    return found == mRenderContexts.end() ? nullptr : found->second.get();
+}
+
+/** @return the new render context, in place of one whose EGL context had the same address; or null */
+OrvelRenderContext* OrvelContextManager::CreateAndStore(void* eglContext) {
+    auto created = OrvelRenderContext::Create(eglContext);
+    if (!created) {
+        return nullptr;
+    }
+    OrvelRenderContext* const stored = created.get();
+    Retire(std::exchange(mRenderContexts[eglContext], std::move(created)));
+    return stored;
+}
+
+/**
+ * Destroys a render context whose EGL context goes, or parks it: EGL keeps a context alive while it is current on
+ * another thread, which draws on and still finds its processor.
+ */
+void OrvelContextManager::Retire(std::unique_ptr<OrvelRenderContext> retired) {
+    if (!retired) {
+        return;
+    }
+    if (gContextTls == retired.get()) {
+        SetSlot(nullptr);
+    }
+    if (mMainRenderContext == retired.get()) {
+        mMainRenderContext = nullptr;
+    }
+    if (retired->mThreads > 0) {
+        OrvelRenderContext* const parked = retired.release(); // kept for ever should there be no memory to park it
+        mParked.emplace_back(parked);
+    }
+}
+
+/** Makes a render context, or none, current on the calling thread. The last thread to leave a parked one destroys it. */
+void OrvelContextManager::SetSlot(OrvelRenderContext* current) {
+    if (current) {
+        ++current->mThreads;
+    }
+    OrvelRenderContext* const left = std::exchange(gContextTls, current);
+    if (left && --left->mThreads == 0) {
+        std::erase_if(mParked, [left](const auto& parked) { return parked.get() == left; });
+    }
+}
+
+} // namespace android::orvel

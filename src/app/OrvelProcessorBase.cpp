@@ -1,0 +1,101 @@
+#include "app/OrvelProcessorBase.h"
+
+#include "app/OrvelApplicationUtils.h"
+#include "app/OrvelContextManager.h"
+#include "app/OrvelModuleBase.h"
+#include "app/OrvelProcessorDataBase.h"
+#include "app/OrvelSwapHooks.h"
+#include "next/effects/OrvelVisualEffectManager.h"
+#include "settings/OrvelSettings.h"
+
+#include <algorithm>
+
+namespace android::orvel::app {
+
+using module::OrvelModuleBase;
+
+void OrvelProcessorBase::OnBegin() {
+    for (const uint32_t id : OrvelSettings::getInstance().getProcessorData().GetModuleIds()) {
+        OrvelModuleBase* const made = CreateProcessorGLModule(id, this);
+        if (made && !made->valid) {
+            ReleaseProcessorGLModule(made);
+            continue;
+        }
+        RegisterModule(made);
+    }
+    if (HasEffectModule()) {
+        mEffectManager = new next::OrvelVisualEffectManager;
+    }
+}
+
+void OrvelProcessorBase::OnEnd() { UnRegisterModules(); }
+
+void OrvelProcessorBase::FrameEnd() {
+    for (OrvelModuleBase* each : mModules) {
+        each->FrameEnd();
+    }
+    auto& contexts = OrvelContextManager::GetInstance();
+    if (mIsMainRenderContext && contexts.CheckMainRenderContextByPipelineInfo()) {
+        contexts.UpdateMainRenderContextByPipelineInfo();
+    }
+    if (mEffectManager) {
+        if (!mEffectManager->IsLoadResourceEnabled() && EnableEffectManagerLoadResource()) {
+            mEffectManager->EnableLoadResource();
+        }
+        mEffectManager->FrameEnd();
+    }
+}
+
+void OrvelProcessorBase::PostFrameEnd() {
+    for (OrvelModuleBase* each : mModules) {
+        each->PostFrameEnd();
+    }
+    ++mFrameId;
+}
+
+bool OrvelProcessorBase::IsRegistered(const OrvelModuleBase* module) const {
+    return std::find(mModules.begin(), mModules.end(), module) != mModules.end();
+}
+
+void OrvelProcessorBase::RegisterModule(OrvelModuleBase* added) {
+    if (added && !IsRegistered(added)) {
+        mModules.push_back(added);
+        added->RegisterModuleFunctors();
+    }
+}
+
+void OrvelProcessorBase::UnRegisterModule(OrvelModuleBase* removed) {
+    if (removed && IsRegistered(removed)) {
+        std::erase(mModules, removed);
+        removed->UnregisterModuleFunctors();
+        ReleaseProcessorGLModule(removed);
+    }
+}
+
+void OrvelProcessorBase::UnRegisterModules() {
+    while (!mModules.empty()) {
+        UnRegisterModule(mModules.back());
+    }
+}
+
+OrvelModuleBase* OrvelProcessorBase::GetGLModule(uint32_t moduleId) const {
+    const auto found = std::find_if(mModules.begin(), mModules.end(), [moduleId](const OrvelModuleBase* each) {
+        return each->GetModuleId() == moduleId;
+    });
+    return found == mModules.end() ? nullptr : *found;
+}
+
+void OrvelProcessorBase::UpdateMainRenderContextStatus(bool isMain) {
+    if (mIsMainRenderContext != isMain) {
+        mIsMainRenderContext = isMain;
+    }
+}
+
+void OrvelProcessorBase::RegisterGlobalHooks(egl_connection_t* cnx) {
+    OrvelModuleBase::RegisterModuleGlobalGLHooks(cnx);
+    RegisterProcessorGlobalGLHooks(cnx);
+    cnx->platform.eglSwapBuffers = PlatSwapBuffersHooked;
+    cnx->platform.eglSwapBuffersWithDamageKHR = PlatSwapBuffersWithDamageKHRHooked;
+}
+
+} // namespace android::orvel::app

@@ -1,0 +1,41 @@
+#include "app/OrvelSwapHooks.h"
+
+#include "app/OrvelProcessorBase.h"
+#include "app/OrvelRenderContext.h"
+#include "base/OrvelGuard.h"
+#include "next/OrvelNext.h"
+
+namespace android::orvel::app {
+
+namespace {
+
+/** One swap with the frame's ends around it. The driver's answer is the game's, also when the swap failed. */
+template <typename Swap>
+EGLBoolean swapFrame(Swap swap) {
+    OrvelProcessorBase* const processor = OrvelRenderContextTLS::GetCurProcessor(gContextTls);
+    if (!processor) {
+        return swap();
+    }
+    guarded("end of frame", [processor] { processor->FrameEnd(); });
+    const EGLBoolean result = swap();
+    guarded("end of frame", [processor] { processor->PostFrameEnd(); });
+    return result;
+}
+
+} // namespace
+
+EGLBoolean EGLAPIENTRY PlatSwapBuffersHooked(EGLDisplay display, EGLSurface surface) {
+    return swapFrame([=] { return next::platform.eglSwapBuffers(display, surface); });
+}
+
+EGLBoolean EGLAPIENTRY PlatSwapBuffersWithDamageKHRHooked(EGLDisplay display, EGLSurface surface, const EGLint* rects,
+                                                          EGLint nRects) {
+    return swapFrame([=] {
+        if (!next::platform.eglSwapBuffersWithDamageKHR) { // the damage is a hint
+            return next::platform.eglSwapBuffers(display, surface);
+        }
+        return next::platform.eglSwapBuffersWithDamageKHR(display, surface, rects, nRects);
+    });
+}
+
+} // namespace android::orvel::app

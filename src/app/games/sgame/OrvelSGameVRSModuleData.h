@@ -1,0 +1,16 @@
+// Parameters of OrvelSGameVRSModule: none are read.
+#pragma once
+
+#include "app/OrvelProcessorModuleDataBase.h"
+
+#include <cstdint>
+
+namespace android::orvel::app::module {
+
+class OrvelSGameVRSModuleData : public OrvelProcessorModuleDataBase {
+public:
+    static constexpr uint32_t MODULE_DATA_TYPE = 1;
+    using OrvelProcessorModuleDataBase::OrvelProcessorModuleDataBase;
+};
+
+} // namespace android::orvel::app::module

@@ -1,0 +1,32 @@
+// A regular expression from the configuration, safe to use on a game's threads.
+#pragma once
+
+#include <optional>
+#include <regex>
+#include <string>
+#include <string_view>
+
+namespace android::orvel {
+
+/**
+ * An ECMAScript pattern that is matched in full. Compile it once, when the configuration is read or a module made.
+ *
+ * The usual matcher recurses for every character, which ends a thread with a small stack, and some patterns take it
+ * exponential time. This one takes a matcher that does neither; only a pattern with back-references needs the usual
+ * one, and is then not tried on long texts.
+ */
+class OrvelPattern {
+public:
+    /** A pattern that does not compile is logged and matches nothing. */
+    explicit OrvelPattern(const std::string& pattern);
+
+    bool isValid() const { return mRegex.has_value(); }
+    /** @return whether the whole text matches; false when there is no memory to find out */
+    bool matches(std::string_view text) const;
+
+private:
+    std::optional<std::regex> mRegex;
+    bool mShortTextsOnly = false;
+};
+
+} // namespace android::orvel

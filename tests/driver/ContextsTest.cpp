@@ -1,0 +1,168 @@
+// The framework on Mesa: real contexts on real threads.
+#include "GameProcess.h"
+
+#include <gmock/gmock.h>
+
+#include <array>
+#include <atomic>
+#include <iterator>
+#include <sstream>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace {
+
+constexpr char kPackage[] = "com.tencent.tmgp.pubgmhd";
+constexpr char kEveryContext[] = R"({"configs":{"xrender_BaseInfo":"1"}})"; // a module that every driver can have
+constexpr char kByThreadName[] = R"({"configs":{"xrender_BaseInfo":"1","xrender_CheckMainInfo":"1;Render.*"}})";
+constexpr char kByPipeline[] = R"({"configs":{"xrender_BaseInfo":"1","xrender_CheckMainInfo":"2"}})";
+
+using Pixel = std::array<GLubyte, 4>;
+
+Pixel pixel() {
+    Pixel read{};
+    glReadPixels(1, 1, 1, 1, GL_RGBA, GL_UNSIGNED_BYTE, read.data());
+    return read;
+}
+
+/** Clears and swaps, which is what the framework hooks in any game; Mesa does not swap in a context that was destroyed. */
+void drawFrame(const Context& context, GLubyte red, bool destroyed = false) {
+    glBindFramebuffer(GL_FRAMEBUFFER, 0);
+    glDisable(GL_DEPTH_TEST);
+    glClearColor(static_cast<GLfloat>(red) / 255, 0, 0, 1);
+    glClear(GL_COLOR_BUFFER_BIT);
+    EXPECT_EQ(pixel(), (Pixel{red, 0, 0, 255}));
+    EXPECT_EQ(context.swap(), EGLBoolean(!destroyed));
+}
+
+/** Another context of the same surface kind that shares its objects. */
+EGLContext shareWith(const Context& other) {
+    const EGLint attributes[] = {EGL_CONTEXT_CLIENT_VERSION, 3, EGL_NONE};
+    EGLint id = 0;
+    eglQueryContext(other.display, other.context, EGL_CONFIG_ID, &id);
+    const EGLint wanted[] = {EGL_CONFIG_ID, id, EGL_NONE};
+    EGLConfig config = nullptr;
+    EGLint count = 0;
+    eglChooseConfig(other.display, wanted, &config, 1, &count);
+    return eglCreateContext(other.display, config, other.context, attributes);
+}
+
+class Contexts : public testing::TestWithParam<const char*> {};
+
+// Catches a framework that breaks what a game does with its contexts: two at a time on two threads, shared objects, one
+// destroyed while it is current elsewhere, handles that come again; in every way of choosing the main context. Under
+// the sanitizers also a processor used after its end, or by two threads.
+TEST_P(Contexts, WorkOnTwoThreadsAtOnce) {
+    GameProcess game(kPackage, GetParam());
+    const Context first;
+    ASSERT_TRUE(first.makeCurrent());
+    GLuint texture = 0;
+    glGenTextures(1, &texture);
+    glBindTexture(GL_TEXTURE_2D, texture);
+    glFinish();
+    const auto play = [&](GLubyte red, const char* name) {
+        pthread_setname_np(pthread_self(), name);
+        for (int round = 0; round < 8; ++round) {
+            Context own;
+            const EGLContext shared = shareWith(first);
+            ASSERT_TRUE(own.makeCurrent());
+            drawFrame(own, red);
+            ASSERT_TRUE(eglMakeCurrent(own.display, own.surface, own.surface, shared));
+            EXPECT_TRUE(glIsTexture(texture));
+            drawFrame(own, red);
+            EXPECT_TRUE(eglDestroyContext(own.display, shared)); // is current: lives on until it is left
+            drawFrame(own, red, true);
+            ASSERT_TRUE(own.makeCurrent());
+            EXPECT_EQ(glGetError(), GLenum(GL_NO_ERROR));
+            EXPECT_TRUE(own.leave());
+            EXPECT_TRUE(eglDestroyContext(own.display, own.context));
+        }
+    };
+    std::thread other(play, GLubyte(255), "RenderThread");
+    for (int frame = 0; frame < 50; ++frame) {
+        drawFrame(first, 51);
+    }
+    other.join();
+    std::thread again(play, GLubyte(102), "GameThread");
+    again.join();
+    drawFrame(first, 51);
+    EXPECT_EQ(glGetError(), GLenum(GL_NO_ERROR));
+}
+
+INSTANTIATE_TEST_SUITE_P(Modes, Contexts, testing::Values(kEveryContext, kByThreadName, kByPipeline),
+                         [](const auto& mode) { return "Mode" + std::to_string(mode.index); });
+
+// Catches a processor that is destroyed under a thread that draws with it.
+TEST(Contexts, OneIsDestroyedWhileAnotherThreadDraws) {
+    GameProcess game(kPackage, kEveryContext);
+    const Context context;
+    std::atomic<int> frames{0};
+    std::atomic<bool> destroyed{false};
+    std::thread other([&] {
+        EXPECT_TRUE(context.makeCurrent());
+        drawFrame(context, 51);
+        frames = 1;
+        frames.notify_one();
+        while (!destroyed) {
+            glDisable(GL_BLEND);
+        }
+        for (int frame = 0; frame < 20; ++frame) {
+            drawFrame(context, 51, true);
+        }
+        context.leave();
+    });
+    frames.wait(0);
+    EXPECT_TRUE(eglDestroyContext(context.display, context.context));
+    const Context next; // may get the same address
+    destroyed = true;
+    ASSERT_TRUE(next.makeCurrent());
+    drawFrame(next, 102);
+    other.join();
+}
+
+// Catches a process that crashes on its way out because a render thread is still inside a hook. The thread only sets state
+// and swaps: Mesa itself does not stand drawing then.
+TEST(ContextsDeathTest, ProcessEndsWhileAnotherThreadSwaps) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    const auto endWhileSwapping = [] {
+        new GameProcess(kPackage, kEveryContext); // no destructor runs on the way out
+        std::atomic<bool> swapped{false};
+        std::thread([&] {
+            const Context context;
+            context.makeCurrent();
+            for (;;) {
+                glDisable(GL_BLEND);
+                glBindFramebuffer(GL_FRAMEBUFFER, 0);
+                context.swap();
+                swapped = true;
+                swapped.notify_one();
+            }
+        }).detach();
+        swapped.wait(false);
+        std::filesystem::remove_all(getenv("ORVEL_ROOT"));
+        std::exit(3);
+    };
+    EXPECT_EXIT(endWhileSwapping(), testing::ExitedWithCode(3), "");
+}
+
+// Catches queries that disagree about extensions, and one that is added at another place than the first.
+TEST(FrameworkGame, SeesOneListOfExtensions) {
+    setenv("ORVEL_HIDE_EXTENSIONS", "GL_EXT_debug_label", 1);
+    GameProcess game(kPackage, kEveryContext);
+    const Context context;
+    ASSERT_TRUE(context.makeCurrent());
+    std::istringstream all(reinterpret_cast<const char*>(glGetString(GL_EXTENSIONS)));
+    const std::vector<std::string> listed(std::istream_iterator<std::string>(all), {});
+    EXPECT_EQ(listed.at(0), "GL_EXT_debug_label");
+    GLint count = 0;
+    glGetIntegerv(GL_NUM_EXTENSIONS, &count);
+    std::vector<std::string> indexed;
+    for (GLint i = 0; i < count; ++i) {
+        indexed.emplace_back(reinterpret_cast<const char*>(glGetStringi(GL_EXTENSIONS, static_cast<GLuint>(i))));
+    }
+    EXPECT_EQ(indexed, listed);
+    EXPECT_EQ(glGetError(), GLenum(GL_NO_ERROR));
+}
+
+} // namespace

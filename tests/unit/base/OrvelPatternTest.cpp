@@ -1,0 +1,44 @@
+#include "base/OrvelPattern.h"
+
+#include "LogCapture.h"
+
+#include <gmock/gmock.h>
+
+#include <pthread.h>
+
+using android::orvel::OrvelPattern;
+using testing::ElementsAre;
+using testing::StartsWith;
+
+// Catches a search in place of a full match, and a bad pattern that throws or is not named in the log.
+TEST(Pattern, MatchesInFull) {
+    const LogCapture log;
+    EXPECT_TRUE(OrvelPattern(".*Main_color.*").matches("x_Main_color_1"));
+    EXPECT_FALSE(OrvelPattern("Main_color").matches("x_Main_color"));
+    EXPECT_TRUE(OrvelPattern("").matches(""));
+    EXPECT_TRUE(OrvelPattern("[^a]+").matches("\xff\xfe\n")) << "labels are any bytes";
+    const OrvelPattern bad("(unclosed");
+    EXPECT_FALSE(bad.isValid());
+    EXPECT_FALSE(bad.matches("(unclosed"));
+    EXPECT_THAT(log.texts(ANDROID_LOG_ERROR), ElementsAre(StartsWith("bad pattern \"(unclosed\": ")));
+}
+
+// Catches a label or a pattern that overflows a game thread's stack or never ends.
+TEST(Pattern, StandsLongTextsOnSmallStacks) {
+    pthread_attr_t attributes;
+    pthread_attr_init(&attributes);
+    pthread_attr_setstacksize(&attributes, 256 * 1024);
+    const auto match = [](void*) -> void* {
+        const std::string label(50'000, 'a');
+        EXPECT_TRUE(OrvelPattern(".*a").matches(label));
+        EXPECT_FALSE(OrvelPattern("(a*)*b").matches(label.substr(0, 2000)));
+        const OrvelPattern twice("(a.*)\\1");
+        EXPECT_TRUE(twice.matches("ab ab "));
+        EXPECT_FALSE(twice.matches(label));
+        return nullptr;
+    };
+    pthread_t thread;
+    ASSERT_EQ(pthread_create(&thread, &attributes, match, nullptr), 0);
+    pthread_join(thread, nullptr);
+    pthread_attr_destroy(&attributes);
+}
