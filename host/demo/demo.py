@@ -22,10 +22,11 @@ import page
 import real_program
 import render_sizes
 import scenes
+import small_window
 import super_resolution
 
 CHAPTERS = [module.chapter for module in (real_program, dynamic_resolution, super_resolution, frame_repetition, scenes,
-                                         render_sizes)]
+                                         render_sizes, small_window)]
 PROJECT = pathlib.Path(__file__).resolve().parents[2]
 
 
@@ -48,7 +49,8 @@ class Stage:
         if done.returncode != 0:
             raise RuntimeError(f"{command[0]} ended with {done.returncode}:\n{path.read_text()[-2000:]}")
 
-    def run_under_library(self, name, program, configuration=None, package="com.miHoYo.Yuanshen", properties=None, **more):
+    def run_under_library(self, name, program, configuration=None, package="com.miHoYo.Yuanshen", properties=None, options=(),
+                          **more):
         """Runs a program through the launcher and answers its report. configuration None: the library is left out."""
         root = self.scratch / name
         root.mkdir()
@@ -60,6 +62,7 @@ class Stage:
             command += ["--config", self.out / f"{name}.config.json"]
         for key, value in (properties or {}).items():
             command += ["--prop", f"{key}={value}"]
+        command += options
         self.run([*command, "--", *program], f"{name}.log", **more)
         report = json.loads((root / "report.json").read_text())
         if not report["processes"]:

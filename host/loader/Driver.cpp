@@ -1,7 +1,9 @@
 #include "Driver.h"
 
+#include "Extensions.h"
 #include "LogFile.h"
 #include "ProbeContext.h"
+#include "ShadingRate.h"
 
 #include <atomic>
 #include <cstdlib>
@@ -104,12 +106,13 @@ bool openGles(egl_connection_t* cnx, GlTable* gl) {
         }
     }
     *gl = sGl; // asking for extensions may call back
-    const auto extensions = words(askForExtensions(cnx, sGl).c_str());
+    const auto extensions = words(editExtensions(askForExtensions(cnx, sGl)).c_str());
     for (const Entry& entry : glEntries()) {
         if (!entry.isCore() && isProvided(entry, extensions)) {
             entry.set(&sGl, resolve(glesLibrary, entry.name));
         }
     }
+    fillShadingRateEntries(&sGl);
     *gl = sGl;
     return true;
 }

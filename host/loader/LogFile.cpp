@@ -1,5 +1,7 @@
 #include "LogFile.h"
 
+#include "Report.h"
+
 #include "DesktopRoot.h"
 
 #include <cstdlib>
@@ -38,7 +40,16 @@ void writeLine(int fd, const std::string& line) {
     }
 }
 
+// What processors and modules there are cannot be seen from outside; the library says it once, in its log.
+void noteFramework(const char* message) {
+    constexpr std::string_view kBegin = "framework: ";
+    if (std::string_view(message).starts_with(kBegin)) {
+        reportText(&ReportLayout::framework, message + kBegin.size());
+    }
+}
+
 void logLine(const __android_logger_data* data, const char* message) {
+    noteFramework(message);
     std::string line = std::to_string(getpid()) + ' ' + letterOf(data->priority) + ' ' + (data->tag ? data->tag : "") +
                        ": " + message + '\n';
     // Opened for each line: a program may close descriptors that it does not know, and get the number for its own file.

@@ -1,7 +1,9 @@
 #include "Observers.h"
 
+#include "Extensions.h"
 #include "RenderTargets.h"
 #include "Report.h"
+#include "ShadingRate.h"
 
 #include <atomic>
 #include <cstring>
@@ -28,6 +30,7 @@ struct CountedSwap;
 template <typename... Params, EGLBoolean (*egl_t::*Slot)(Params...)>
 struct CountedSwap<Slot> {
     static EGLBoolean EGLAPIENTRY call(Params... params) {
+        endShadingRateFrame();
         const EGLBoolean swapped = (sDriverEgl.*Slot)(params...);
         if (swapped) {
             count(DRIVER_SWAPS);
@@ -63,6 +66,8 @@ void GL_APIENTRY observeShaderSource(GLuint shader, GLsizei count, const GLchar*
 } // namespace
 
 void observe(GlTable* gl, egl_t* egl) {
+    editExtensionStrings(gl);
+    observeShadingRates(gl, egl);
     sDriverGl = *gl;
     sDriverEgl = *egl;
     if (gl->glShaderSource) {

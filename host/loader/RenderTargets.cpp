@@ -184,7 +184,7 @@ SwapScope::~SwapScope() {
             count(SWITCHES);
             count(TEXTURES_REPLACED, textures.size());
             appendBesideReport("switches", ".jsonl",
-                               "{\"frame\": " + std::to_string(report().counters[PROGRAM_SWAPS]) +
+                               "{\"frame\": " + std::to_string(countOf(PROGRAM_SWAPS)) +
                                    ", \"before\": " + jsonOf(tBefore) + ", \"after\": " + jsonOf(after) + "}\n");
         }
     });

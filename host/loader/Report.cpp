@@ -66,6 +66,10 @@ void count(Counter counter, uint64_t amount) {
     std::atomic_ref(report().counters[counter]).fetch_add(amount, std::memory_order_relaxed);
 }
 
+uint64_t countOf(Counter counter) {
+    return std::atomic_ref(report().counters[counter]).load(std::memory_order_relaxed);
+}
+
 void reportValue(uint32_t ReportLayout::*field, uint32_t value) { report().*field = value; }
 
 void copyText(char* to, size_t size, std::string_view text) {

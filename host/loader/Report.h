@@ -19,6 +19,9 @@ bool isReporting();
 /** Adds to a counter, from any thread. */
 void count(Counter counter, uint64_t amount = 1);
 
+/** @return what was counted so far, by any thread */
+uint64_t countOf(Counter counter);
+
 void reportValue(uint32_t ReportLayout::*field, uint32_t value);
 
 /** Notes what the library's start came to: enabled or why not, which entries it replaced. */

@@ -32,6 +32,7 @@ const char* read(const std::filesystem::path& path, ReportLayout* report) {
     endText(report->program);
     endText(report->package);
     endText(report->libraryProblem);
+    endText(report->framework);
     endText(report->renderer);
     endText(report->version);
     for (auto& hook : report->hooks) {

@@ -21,7 +21,9 @@ namespace android::rig {
     X(SWITCHES, resolutionSwitches)                                                                                    \
     X(TEXTURES_REPLACED, texturesReplaced)                                                                             \
     X(FRAMES_REPEATED, framesRepeated)                                                                                 \
-    X(WINDOW_CHANGES, windowBufferChanges)
+    X(WINDOW_CHANGES, windowBufferChanges)                                                                             \
+    X(DRAWS, drawsWatched)                                                                                             \
+    X(COARSE_DRAWS, drawsAtCoarseRate)
 
 #define ORVEL_COUNTER_NAME(name, jsonName) name,
 enum Counter { ORVEL_COUNTERS(ORVEL_COUNTER_NAME) COUNTER_COUNT };
@@ -58,6 +60,7 @@ struct ReportLayout {
     uint32_t enabled;
     Reason reason;
     Layer layer;
+    char framework[256];      // processor and modules, as the library logged them
     char libraryProblem[256]; // why it was not loaded
 
     int32_t binderLookups;

@@ -42,7 +42,14 @@ std::string summaryOf(const ReportLayout& report) {
         line = std::string("library not loaded (") +
                (*report.libraryProblem ? report.libraryProblem : "the program ended during the start") + ")";
     }
+    if (*report.framework) {
+        line += std::string(", ") + report.framework + ", " + number(report.counters[CONTEXTS], "context");
+    }
     line += ", " + number(report.counters[PROGRAM_SWAPS], "frame") + " swapped";
+    if (const uint64_t draws = report.counters[DRAWS]) {
+        line += ", " + std::to_string(report.counters[COARSE_DRAWS]) + " of " + number(draws, "draw") +
+                " at a coarse shading rate";
+    }
     if (report.enabled) {
         line += ", " + std::to_string(report.counters[SHADERS_REWRITTEN]) + " of " +
                 number(report.counters[SHADERS], "shader") + " rewritten, " +
@@ -69,6 +76,7 @@ Json::Value jsonOf(const ReportLayout& report) {
     json["enabled"] = report.enabled != 0;
     json["reason"] = reasonOf(report);
     json["layer"] = kLayers[report.layer];
+    json["framework"] = report.framework;
     json["hookCount"] = report.hookCount;
     json["hooks"] = Json::arrayValue;
     for (uint32_t i = 0; i < std::min(report.hookCount, ReportLayout::kMaxHooks); ++i) {

@@ -161,7 +161,7 @@ TEST_F(RigTest, ReportTellsWhatWasChanged) {
     EXPECT_STREQ("glActiveTexture", report.hooks[0]);
     EXPECT_STREQ("platform.eglSwapBuffers", report.hooks[23]);
     EXPECT_NE('\0', report.renderer[0]);
-    const std::vector<uint64_t> expected = {3, 3, 1, 2, 1, before.size(), before.size() - 3, 0, 0, 0, 0};
+    const std::vector<uint64_t> expected = {3, 3, 1, 2, 1, before.size(), before.size() - 3, 0, 0, 0, 0, 0, 0};
     EXPECT_EQ(expected, std::vector<uint64_t>(std::begin(report.counters), std::end(report.counters)));
     EXPECT_EQ(before, textOf(besideReport("shader-before", ".glsl")));
     EXPECT_EQ(atDriver, textOf(besideReport("shader-after", ".glsl")));
