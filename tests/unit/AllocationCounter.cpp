@@ -2,13 +2,24 @@
 
 #include <atomic>
 #include <cstdlib>
+#include <dlfcn.h>
 #include <new>
+#include <pthread.h>
 
 namespace {
 std::atomic<size_t> sAllocations{0};
-}
+std::atomic<size_t> sLocks{0};
+} // namespace
 
 size_t allocationsSoFar() { return sAllocations.load(); }
+size_t locksSoFar() { return sLocks.load(); }
+
+extern "C" int pthread_mutex_lock(pthread_mutex_t* mutex) noexcept {
+    using Lock = int (*)(pthread_mutex_t*);
+    static const auto lock = reinterpret_cast<Lock>(dlsym(RTLD_NEXT, "pthread_mutex_lock"));
+    ++sLocks;
+    return lock(mutex);
+}
 
 void* operator new(size_t size) {
     ++sAllocations;
