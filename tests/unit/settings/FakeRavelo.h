@@ -8,6 +8,7 @@
 #include <utils/String8.h>
 
 #include <functional>
+#include <mutex>
 #include <string>
 #include <vector>
 
@@ -26,10 +27,14 @@ public:
     }
     static void withdraw() { android::desktop::offerService(android::String16("velmor.ravelo"), nullptr); }
 
+    // The thread sanitizer does not see how the packaged libutils hands the last reference on: this it sees.
+    ~FakeRavelo() override { const std::lock_guard lock(mInCall); }
+
     bool isBinderAlive() const override { return true; }
 
     android::status_t transact(uint32_t code, const android::Parcel& data, android::Parcel* reply,
                                uint32_t flags) override {
+        const std::lock_guard lock(mInCall);
         data.setDataPosition(0);
         const std::string token = android::String8(data.readString16()).string();
         const std::string package = android::String8(data.readString16()).string();
@@ -68,4 +73,7 @@ public:
     std::function<void()> duringCall;
     std::vector<std::string> calls; // code, flags, interface token, package
     std::vector<android::wp<DeathRecipient>> recipients;
+
+private:
+    std::mutex mInCall;
 };
