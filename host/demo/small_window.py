@@ -10,7 +10,7 @@ CONFIGURATION = {"configs": {"xrender_BaseInfo": "262144"}}  # the module that w
 LEGACY_PACKAGE = "com.miHoYo.Yuanshen"
 LEGACY = {"configs": {"shader_rate": "3"}}
 FRAMES, SMALL_AT, FULL_AT = 30, 10, 20
-SHOWN = [5, 15, 25]
+SHOWN = [5, 15, 25]  # the rig counts frames from 0, the sample from 1
 
 
 def rates_by_frame(trace):
@@ -18,7 +18,7 @@ def rates_by_frame(trace):
     frames = collections.defaultdict(collections.Counter)
     for line in trace.read_text().splitlines():
         draw = json.loads(line)
-        frames[draw["frame"] + 1][draw["rate"]] += 1  # a frame ends with its swap
+        frames[draw["frame"] + 1][draw["rate"]] += 1
     return frames
 
 
@@ -32,7 +32,7 @@ def play(stage, name, package, configuration, game, extensions, at=()):
         name, [stage.tools / "orvel-sample", "--game", game, "--base", "640x360", "--window", "640x360", "--frames", FRAMES,
                "--min-frame-ms", 30, *script], configuration, package=package,
         options=["--shading-rate", extensions, "--shading-rate-trace", trace, "--shading-rate-view", view,
-                 "--shading-rate-frames", ",".join(str(frame) for frame in SHOWN)])
+                 "--shading-rate-frames", ",".join(str(frame - 1) for frame in SHOWN)])
     print(f"demo: shading rate, {package} with {extensions}: {report['summary']}")
     return rates_by_frame(trace), view, report
 
@@ -64,7 +64,7 @@ def chapter(stage):
         parts += [f"<h3>A driver with {extensions}</h3><p>{page.escape(report['summary'])}</p>",
                   page.table(["frames", "rates of their draws"], spans(frames))]
         if extensions == "ext":
-            pictures = [(frame, max(view.glob(f"frame-{frame}-*framebuffer-0.png"), default=None)) for frame in SHOWN]
+            pictures = [(frame, max(view.glob(f"frame-{frame - 1}-*framebuffer-0.png"), default=None)) for frame in SHOWN]
             parts.append(page.side_by_side([page.figure(picture.relative_to(stage.out), f"frame {frame}: rate of each pixel")
                                             for frame, picture in pictures if picture]))
             problems += [f"small window: no picture of the rates of frame {frame}" for frame, p in pictures if not p]
