@@ -12,8 +12,8 @@ struct Entry {
     std::unique_ptr<Game> (*make)(const Options&);
 };
 
-constexpr Entry kGames[] = {
-    {"yuanshen", makeYuanshen}, {"hkrpg", makeHkrpg}, {"harrypotter", makeHarryPotter}, {"video", makeVideo}};
+constexpr Entry kGames[] = {{"yuanshen", makeYuanshen}, {"hkrpg", makeHkrpg}, {"harrypotter", makeHarryPotter},
+                            {"sgame", makeSGame},       {"pubg", makePubg},   {"video", makeVideo}};
 
 const Entry* findGame(const std::string& name) {
     for (const Entry& entry : kGames) {
@@ -39,7 +39,20 @@ Game::Game(const Options& options, std::unique_ptr<TextureUnits> units)
       mCameraDesc(makeTexture("CameraDesc", GL_RGBA8, {64, 64}, 1, GL_LINEAR)) {}
 
 void Game::drawFrame(int frame) {
+    changeEvent(frame);
     mScene.beginFrame(frame);
+    drawScene(frame);
+    if (mOptions.fill) {
+        fillWindow();
+    }
+    drawInterface(frame);
+    if (!mEvent.empty() && !drawEvent(mEvent)) {
+        fail("%s knows no event \"%s\"", mOptions.game.c_str(), mEvent.c_str());
+    }
+    glActiveTexture(GL_TEXTURE0);
+}
+
+void Game::drawScene(int frame) {
     mScene.drawOpaque();
     drawOwnScenery(frame);
     if (isReached(frame, mOptions.restoreAt)) {
@@ -51,9 +64,13 @@ void Game::drawFrame(int frame) {
     mScene.drawPost();
     takeScreenshot(frame);
     mScene.copyToWindow(mUi.window());
-    mUi.draw(frame);
-    changeEvent(frame);
-    glActiveTexture(GL_TEXTURE0);
+}
+
+void Game::fillWindow() const {
+    const uint32_t colour = *mOptions.fill;
+    const auto channel = [&](int shift) { return static_cast<float>(colour >> shift & 0xff) / 255; };
+    glClearColor(channel(16), channel(8), channel(0), 1);
+    glClear(GL_COLOR_BUFFER_BIT);
 }
 
 void Game::drawOverlays(std::initializer_list<int> indices) const {
@@ -65,9 +82,7 @@ void Game::drawOverlays(std::initializer_list<int> indices) const {
 void Game::changeEvent(int frame) {
     if (const auto event = mOptions.events.find(frame); event != mOptions.events.end()) {
         mEvent = event->second == "none" ? "" : event->second;
-    }
-    if (!mEvent.empty() && !drawEvent(mEvent)) {
-        fail("%s knows no event \"%s\"", mOptions.game.c_str(), mEvent.c_str());
+        beginEvent(mEvent);
     }
 }
 

@@ -23,10 +23,17 @@ public:
     void drawFrame(int frame);
 
 protected:
+    /** From this frame on something else is going on: what the game loads for it. */
+    virtual void beginEvent(const std::string& /*event*/) {}
+    /** Everything up to the copy in the window, or what the game shows instead. */
+    virtual void drawScene(int frame);
     /** The game's own part of the scene, behind what is opaque: the scene's framebuffer is bound, depth is tested. */
     virtual void drawOwnScenery(int /*frame*/) {}
+    virtual void drawInterface(int frame) { mUi.draw(frame); }
     /** Over the finished window. @return false when the game knows no such event */
     virtual bool drawEvent(const std::string& /*event*/) { return false; }
+
+    const std::string& event() const { return mEvent; }
 
     /** One draw over the finished window for each number of indices. */
     void drawOverlays(std::initializer_list<int> indices) const;
@@ -37,6 +44,7 @@ protected:
 
 private:
     void changeEvent(int frame);
+    void fillWindow() const;
     void takeScreenshot(int frame) const;
 
     const Options mOptions;

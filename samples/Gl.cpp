@@ -6,6 +6,7 @@
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 
 namespace sample {
 
@@ -43,6 +44,18 @@ void labelObject(GLenum type, GLuint object, const char* label) {
     if (glLabelObject) {
         glLabelObject(type, object, 0, label);
     }
+}
+
+bool hasExtension(const char* name) {
+    GLint count = 0;
+    glGetIntegerv(GL_NUM_EXTENSIONS, &count);
+    for (GLint i = 0; i < count; ++i) {
+        if (std::strcmp(reinterpret_cast<const char*>(glGetStringi(GL_EXTENSIONS, static_cast<GLuint>(i))), name) ==
+            0) {
+            return true;
+        }
+    }
+    return false;
 }
 
 GLuint makeTexture(const char* label, GLenum format, Size size, GLint levels, GLint filter) {

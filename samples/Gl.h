@@ -16,6 +16,8 @@ namespace sample {
 /** Labels an object through GL_EXT_debug_label where the driver has it. @param type GL_TEXTURE, GL_PROGRAM_OBJECT_EXT */
 void labelObject(GLenum type, GLuint object, const char* label);
 
+bool hasExtension(const char* name);
+
 /** A 2D texture with storage, bound to the active unit when this returns. */
 GLuint makeTexture(const char* label, GLenum format, Size size, GLint levels, GLint filter);
 
@@ -31,6 +33,8 @@ public:
     void set(const char* uniform, float value) const { glUniform1f(at(uniform), value); }
     void set(const char* uniform, const Vec3& v) const { glUniform3f(at(uniform), v.x, v.y, v.z); }
     void set(const char* uniform, const Mat4& m) const { glUniformMatrix4fv(at(uniform), 1, GL_FALSE, m.data()); }
+    /** A matrix that the shader declares as an array of its columns. */
+    void setColumns(const char* uniform, const Mat4& m) const { glUniform4fv(at(uniform), 4, m.data()); }
     /** [w, h, 1 + 1/w, 1 + 1/h] */
     void setScreen(const char* uniform, Size size) const;
     /** [1/w, 1/h, w, h] */

@@ -18,7 +18,8 @@ constexpr char kUsage[] =
   to the window (no display is needed) and draws a sharp user interface over it. What a frame looks
   like depends on its number alone.
 
-  --game NAME              whose habits of drawing: yuanshen, hkrpg, harrypotter, video (yuanshen)
+  --game NAME              whose habits of drawing: yuanshen, hkrpg, harrypotter, sgame, pubg, video
+                           (yuanshen)
   --frames N               frames to draw (120)
   --window WxH             size of the window (1280x720)
   --x11                    a window on the X server that DISPLAY names
@@ -36,7 +37,11 @@ constexpr char kUsage[] =
   --min-frame-ms N         let a frame take at least so long (12, as the library looks every 10 ms at most)
   --event-at FRAME:EVENT   from that frame on draw as the game does in a boss fight (yuanshen: boss), when it moves
                            the player (yuanshen, harrypotter: teleport), when it starts (yuanshen: launch), in a
-                           place (hkrpg: city, x2, x21, square), or none of these: none; may be given several times
+                           place (hkrpg: city, x2, x21, square), in its phases beside the lobby (sgame: heroes, loading, battle,
+                           battle with a masked clear: masked, result), when its frame goes over to the interface in
+                           one of its ways (pubg: discard, resolve, crosshair, loading), or none of these: none; may
+                           be given several times
+  --fill RRGGBB            hide the scene behind this colour, so that pictures show the interface alone
   --screenshot FRAME:FILE  read the finished picture back at the base size, without the interface, into a PNG file
   --illegal-program-at N   from frame N on use the program "Dynamic Sky/Cube Ground Cloud" (yuanshen)
   --restore-at N           from frame N on bind the texture "CameraDesc"
@@ -88,6 +93,15 @@ std::set<int> frameList(const char* option, std::string_view text, int most) {
         }
         text.remove_prefix(comma + 1);
     }
+}
+
+uint32_t colour(const char* option, std::string_view text) {
+    uint32_t value = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value, 16);
+    if (error != std::errc() || end != text.data() + text.size() || text.size() != 6) {
+        wrong("%s wants a colour like ff8000, not \"%s\"", option, text.data());
+    }
+    return value;
 }
 
 /** @param what stands behind the colon */
@@ -183,6 +197,8 @@ Options parseOptions(int argc, char** argv) {
             options.screenshots.insert(atFrame(argv[i], "FILE", value, kMostFrames));
         } else if (option == "--min-frame-ms") {
             options.minFrameMilliseconds = number(argv[i], value, 0, kLongestFrame);
+        } else if (option == "--fill") {
+            options.fill = colour(argv[i], value);
         } else if (option == "--illegal-program-at") {
             options.illegalProgramAt = number(argv[i], value, 1, kMostFrames);
         } else if (option == "--restore-at") {

@@ -1,7 +1,9 @@
 // What the command line says.
 #pragma once
 
+#include <cstdint>
 #include <map>
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
@@ -33,6 +35,7 @@ struct Options {
     int minFrameMilliseconds = 12;
     std::map<int, std::string> events;      // what is going on in the game, by the frame it begins with
     std::map<int, std::string> screenshots; // files, by frame
+    std::optional<uint32_t> fill;           // colour that hides the scene, 0xRRGGBB
     int illegalProgramAt = kNever;
     int restoreAt = kNever;
 };

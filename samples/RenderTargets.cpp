@@ -2,6 +2,9 @@
 
 #include "Gl.h"
 
+#include <EGL/egl.h>
+#include <GLES2/gl2ext.h>
+
 #include <cstdio>
 #include <initializer_list>
 
@@ -68,6 +71,29 @@ RenderTargets::RenderTargets(Size base)
         outlineFramebuffer = makeFramebuffer({{GL_COLOR_ATTACHMENT0, outline}});
         check("Outline");
     }
+    glBindFramebuffer(GL_FRAMEBUFFER, 0);
+}
+
+void RenderTargets::renewColour(const char* label, bool multisampled) {
+    constexpr GLsizei kSamples = 4;
+    static const auto attachMultisampled = hasExtension("GL_EXT_multisampled_render_to_texture")
+                                               ? reinterpret_cast<PFNGLFRAMEBUFFERTEXTURE2DMULTISAMPLEEXTPROC>(
+                                                     eglGetProcAddress("glFramebufferTexture2DMultisampleEXT"))
+                                               : nullptr;
+    glDeleteTextures(1, &sceneColour);
+    glActiveTexture(GL_TEXTURE0);
+    sceneColour = makeTexture(label, GL_RGBA8, size, 1, GL_LINEAR);
+    glBindFramebuffer(GL_FRAMEBUFFER, sceneFramebuffer);
+    const Attachment attachments[] = {
+        {GL_COLOR_ATTACHMENT0, sceneColour}, {GL_COLOR_ATTACHMENT1, sceneNormal}, {GL_DEPTH_ATTACHMENT, sceneDepth}};
+    for (const Attachment& attachment : attachments) {
+        if (multisampled && attachMultisampled) {
+            attachMultisampled(GL_FRAMEBUFFER, attachment.point, GL_TEXTURE_2D, attachment.texture, 0, kSamples);
+        } else {
+            glFramebufferTexture2D(GL_FRAMEBUFFER, attachment.point, GL_TEXTURE_2D, attachment.texture, 0);
+        }
+    }
+    check(label);
     glBindFramebuffer(GL_FRAMEBUFFER, 0);
 }
 

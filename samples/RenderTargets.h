@@ -10,6 +10,12 @@ namespace sample {
 struct RenderTargets {
     explicit RenderTargets(Size base);
 
+    /**
+     * Replaces the texture that the scene is drawn into, as an engine does when it loads a level.
+     * @param multisampled attach it so that it is drawn with several samples, where the driver can do that
+     */
+    void renewColour(const char* label, bool multisampled);
+
     Size size;
     GLuint sceneColour = 0;
     GLuint sceneNormal = 0;

@@ -19,11 +19,12 @@ constexpr float kHeroSize = 1.6F;
 constexpr float kOutlineWidth = 0.06F;
 constexpr float kWaterLevel = -0.55F;
 
-/** Four channels of random bytes, the same in every run. */
-GLuint makeNoise() {
+} // namespace
+
+GLuint makeMaterial(const char* label) {
     constexpr int kSide = 256;
     constexpr int kLevels = 9;
-    const GLuint texture = makeTexture("Noise", GL_RGBA8, {kSide, kSide}, kLevels, GL_LINEAR_MIPMAP_LINEAR);
+    const GLuint texture = makeTexture(label, GL_RGBA8, {kSide, kSide}, kLevels, GL_LINEAR_MIPMAP_LINEAR);
     std::vector<uint32_t> texels(size_t{kSide} * kSide);
     uint32_t state = 2463534242U;
     for (uint32_t& texel : texels) {
@@ -37,14 +38,11 @@ GLuint makeNoise() {
     return texture;
 }
 
-} // namespace
-
 SceneRenderer::SceneRenderer(Size base, int work, TextureUnits& units)
     : mBase(base),
       mWork(work),
       mUnits(units),
       mTargets(base),
-      mNoise(makeNoise()),
       mLandProgram("Land", shaders::placed(), shaders::land()),
       mObjectProgram("Object", shaders::placed(), shaders::object()),
       mSkyProgram("Sky", shaders::fullScreen(), shaders::sky()),
@@ -56,6 +54,9 @@ SceneRenderer::SceneRenderer(Size base, int work, TextureUnits& units)
       mSphere(makeSphere()),
       mPillar(makePillar()) {
     glGenVertexArrays(1, &mNoVertices);
+    glActiveTexture(GL_TEXTURE0);
+    const GLuint noise = makeMaterial("Noise");
+    mMaterials = {noise, noise, noise, noise, noise};
 }
 
 void SceneRenderer::beginFrame(int frame) {
@@ -72,7 +73,7 @@ void SceneRenderer::bindTarget(GLuint framebuffer) {
     glEnable(GL_SCISSOR_TEST);
 }
 
-void SceneRenderer::useSceneProgram(const Program& program) {
+void SceneRenderer::useSceneProgram(const Program& program, GLuint material) {
     program.use();
     program.set("uViewProjection", mCamera.viewProjection);
     program.setScreen("uScreen", mBase);
@@ -82,7 +83,7 @@ void SceneRenderer::useSceneProgram(const Program& program) {
     program.set("uUp", mCamera.up);
     program.set("uTime", mTime);
     program.set("uNoise", UNIT_NOISE);
-    mUnits.bind(UNIT_NOISE, mNoise);
+    mUnits.bind(UNIT_NOISE, material);
 }
 
 void SceneRenderer::drawFullScreen() {
@@ -99,20 +100,21 @@ void SceneRenderer::drawOpaque() {
     glEnable(GL_DEPTH_TEST);
     glDepthFunc(GL_LEQUAL);
 
-    useSceneProgram(mObjectProgram);
+    useSceneProgram(mObjectProgram, mMaterials.hero);
     mObjectProgram.set("uPlace", kHeroPosition);
     mObjectProgram.set("uSize", Vec3{kHeroSize, kHeroSize, kHeroSize});
     mObjectProgram.set("uHero", 1);
     mSphere.draw();
     mObjectProgram.set("uSize", kPillarSize);
     mObjectProgram.set("uHero", 0);
+    mUnits.bind(UNIT_NOISE, mMaterials.pillar);
     for (int i = 0; i < kPillars; ++i) {
         const float around = 2 * std::numbers::pi_v<float> * static_cast<float>(i) / kPillars;
         mObjectProgram.set("uPlace", Vec3{kPillarRing * std::cos(around), 0, kPillarRing * std::sin(around)});
         mPillar.draw();
     }
 
-    useSceneProgram(mLandProgram);
+    useSceneProgram(mLandProgram, mMaterials.land);
     mLandProgram.set("uPlace", Vec3{});
     mLandProgram.set("uSize", Vec3{1, 1, 1});
     mTerrain.draw();
@@ -120,10 +122,18 @@ void SceneRenderer::drawOpaque() {
 }
 
 void SceneRenderer::drawBackdrop(const Program& program) {
-    useSceneProgram(program);
+    useSceneProgram(program, mMaterials.sky);
     glDepthMask(GL_FALSE);
     drawFullScreen();
     glDepthMask(GL_TRUE);
+}
+
+void SceneRenderer::drawPillar(const Program& program, const Vec3& place) {
+    useSceneProgram(program, mMaterials.pillar);
+    program.set("uPlace", place);
+    program.set("uSize", kPillarSize);
+    program.set("uHero", 0);
+    mPillar.draw();
 }
 
 void SceneRenderer::grabColour() {
@@ -135,7 +145,7 @@ void SceneRenderer::grabColour() {
 
 void SceneRenderer::drawWater() {
     bindTarget(mTargets.sceneFramebuffer);
-    useSceneProgram(mWaterProgram);
+    useSceneProgram(mWaterProgram, mMaterials.water);
     mWaterProgram.set("uLevel", kWaterLevel);
     mWaterProgram.set("uGrab", UNIT_GRAB);
     mUnits.bind(UNIT_GRAB, mTargets.grab);
@@ -149,7 +159,7 @@ void SceneRenderer::drawOutline() {
     glClearStencil(0);
     glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT | GL_STENCIL_BUFFER_BIT);
     if (mTargets.outlineStencil != 0) {
-        useSceneProgram(mOutlineProgram);
+        useSceneProgram(mOutlineProgram, mMaterials.hero);
         mOutlineProgram.set("uPlace", kHeroPosition);
         glEnable(GL_STENCIL_TEST);
         // The hero marks its pixels; a slightly larger one then shows only beside them.
@@ -186,10 +196,14 @@ void SceneRenderer::drawPost() {
     drawFullScreen();
 }
 
-void SceneRenderer::copyToWindow(Size window) {
+void SceneRenderer::bindWindow(Size window) {
     glBindFramebuffer(GL_FRAMEBUFFER, 0);
     glViewport(0, 0, window.width, window.height);
     glScissor(0, 0, window.width, window.height);
+}
+
+void SceneRenderer::copyToWindow(Size window) {
+    bindWindow(window);
     mCopyProgram.use();
     // As the engine's own copy: from unit 0, without a vertex array or any buffer, the indices in the program's memory.
     mCopyProgram.set("uColour", 0);

@@ -8,6 +8,18 @@
 
 namespace sample {
 
+/** What the objects of the scene are covered with, each of them random bytes. */
+struct Materials {
+    GLuint hero = 0;
+    GLuint pillar = 0;
+    GLuint land = 0;
+    GLuint sky = 0;
+    GLuint water = 0;
+};
+
+/** A texture fit for Materials: four channels of random bytes, the same in every run. */
+GLuint makeMaterial(const char* label);
+
 class SceneRenderer {
 public:
     /** @param base size of all render targets @param work rounds of extra work per pixel of the post pass, which meets each pixel once @param units outlives this */
@@ -24,17 +36,25 @@ public:
 
     /** Fills what is still at the far plane of the scene with a full-screen program of the scene. */
     void drawBackdrop(const Program& program);
+    /** One more pillar, in a program of the scene. */
+    void drawPillar(const Program& program, const Vec3& place);
+    void drawFullScreen();
+    void bindWindow(Size window);
+
+    const Camera& camera() const { return mCamera; }
+    /** @param label, multisampled as RenderTargets::renewColour() takes them */
+    void renewColour(const char* label, bool multisampled) { mTargets.renewColour(label, multisampled); }
+    void setMaterials(const Materials& materials) { mMaterials = materials; }
 
 private:
     void bindTarget(GLuint framebuffer);
-    void useSceneProgram(const Program& program);
-    void drawFullScreen();
+    void useSceneProgram(const Program& program, GLuint material);
 
     const Size mBase;
     const int mWork;
     TextureUnits& mUnits;
-    const RenderTargets mTargets;
-    const GLuint mNoise;
+    RenderTargets mTargets;
+    Materials mMaterials;
     const Program mLandProgram;
     const Program mObjectProgram;
     const Program mSkyProgram;

@@ -36,12 +36,25 @@ vec3 screenRay() {
 }
 )";
 
-constexpr char kPlaced[] = R"(
+constexpr char kMatrix[] = R"(
+uniform mat4 uViewProjection;
+)";
+
+// As a shader translator writes a matrix down. It stands behind the other uniforms, so that its location is not 0.
+constexpr char kColumns[] = R"(
+uniform vec4 hlslcc_mtx4x4unity_MatrixVP[4];
+#define uViewProjection mat4(hlslcc_mtx4x4unity_MatrixVP[0], hlslcc_mtx4x4unity_MatrixVP[1], \
+                             hlslcc_mtx4x4unity_MatrixVP[2], hlslcc_mtx4x4unity_MatrixVP[3])
+)";
+
+constexpr char kPlacedInputs[] = R"(
 layout(location = 0) in vec3 aPosition;
 layout(location = 1) in vec3 aNormal;
-uniform mat4 uViewProjection;
 uniform vec3 uPlace;
 uniform vec3 uSize;
+)";
+
+constexpr char kPlaced[] = R"(
 out vec3 vLocal;
 out vec3 vWorld;
 out vec3 vNormal;
@@ -218,7 +231,8 @@ std::string scene(const char* body) { return whole(kScene) + body; }
 
 } // namespace
 
-std::string placed() { return whole(kPlaced); }
+std::string placed() { return whole((std::string(kPlacedInputs) + kMatrix + kPlaced).c_str()); }
+std::string placedByColumns() { return whole((std::string(kPlacedInputs) + kColumns + kPlaced).c_str()); }
 std::string fullScreen() { return whole(kFullScreen); }
 std::string waterSurface() { return whole(kWaterSurface); }
 std::string land() { return scene(kLand); }

@@ -9,9 +9,10 @@ namespace sample::shaders {
 std::string whole(const char* body);
 
 // vertex shaders
-std::string placed();       // a mesh, scaled and moved
-std::string fullScreen();   // one triangle over everything, at the far plane, from no vertices
-std::string waterSurface(); // a strip of four vertices at one height, from no vertices
+std::string placed();          // a mesh, scaled and moved
+std::string placedByColumns(); // the same, the camera's matrix being the array hlslcc_mtx4x4unity_MatrixVP
+std::string fullScreen();      // one triangle over everything, at the far plane, from no vertices
+std::string waterSurface();    // a strip of four vertices at one height, from no vertices
 
 // fragment shaders of the scene: colour and normal (SceneShaders.cpp)
 std::string land();

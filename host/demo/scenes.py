@@ -4,11 +4,13 @@ import json
 import page
 
 FRAME_MS = 20
+# An event that is to be heard lasts longer than the two seconds between two looks, a pause longer than two of them: the
+# first look into a pause still sees what was counted before it.
 GAMES = {
     "yuanshen": ("com.miHoYo.Yuanshen", {"ys_scene_recognize": "1", "ys_transfer_recognize": "1", "ys_launch_recognize": "1"},
-                 [(1, "launch"), (90, "none"), (200, "boss"), (300, "teleport"), (400, "none")], 600),
+                 [(1, "launch"), (90, "none"), (310, "boss"), (430, "teleport"), (560, "none")], 780),
     "hkrpg": ("com.miHoYo.hkrpg", {"hkrpg_scene_recognize": "1"},
-              [(60, "city"), (160, "x2"), (260, "x21"), (360, "square"), (460, "none")], 560),
+              [(60, "city"), (180, "x2"), (300, "x21"), (420, "square"), (540, "none")], 760),
     "harrypotter": ("com.netease.harrypotter", {"hp_transfer_recognize": "1"},
                     [(110, "teleport"), (120, "none")], 360)}
 SCENES = {1005: "ordinary play", 1006: "boss fight", 1007: "teleport", 1008: "launch", 1009: "minimap of the city",

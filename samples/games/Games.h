@@ -8,6 +8,8 @@ namespace sample {
 std::unique_ptr<Game> makeYuanshen(const Options& options);
 std::unique_ptr<Game> makeHkrpg(const Options& options);
 std::unique_ptr<Game> makeHarryPotter(const Options& options);
+std::unique_ptr<Game> makeSGame(const Options& options);
+std::unique_ptr<Game> makePubg(const Options& options);
 std::unique_ptr<Game> makeVideo(const Options& options);
 
 } // namespace sample
