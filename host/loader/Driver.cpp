@@ -3,6 +3,7 @@
 #include "Extensions.h"
 #include "LogFile.h"
 #include "ProbeContext.h"
+#include "MultisampledTextures.h"
 #include "ShadingRate.h"
 
 #include <atomic>
@@ -113,6 +114,7 @@ bool openGles(egl_connection_t* cnx, GlTable* gl) {
         }
     }
     fillShadingRateEntries(&sGl);
+    fillMultisampledEntries(&sGl);
     *gl = sGl;
     return true;
 }

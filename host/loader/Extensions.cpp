@@ -1,5 +1,6 @@
 #include "Extensions.h"
 
+#include "MultisampledTextures.h"
 #include "ShadingRate.h"
 
 #include <cstdlib>
@@ -27,6 +28,10 @@ std::vector<std::string> words(const std::string& text) {
 const char* hiddenExtensions() {
     const char* hidden = std::getenv("ORVEL_HIDE_EXTENSIONS");
     return hidden ? hidden : "";
+}
+
+std::string offeredExtensions() {
+    return std::string(offeredShadingRateExtensions()) + ' ' + offeredMultisampledExtension();
 }
 
 struct Edited {
@@ -84,7 +89,7 @@ std::string editExtensions(const std::string& list) {
     const std::vector<std::string> hiddenWords = words(hiddenExtensions());
     std::unordered_set<std::string> done(hiddenWords.begin(), hiddenWords.end());
     std::string edited;
-    for (const std::string& extension : words(list + ' ' + offeredShadingRateExtensions())) {
+    for (const std::string& extension : words(list + ' ' + offeredExtensions())) {
         if (done.insert(extension).second) { // neither hidden nor listed already
             edited += (edited.empty() ? "" : " ") + extension;
         }
@@ -93,7 +98,7 @@ std::string editExtensions(const std::string& list) {
 }
 
 void editExtensionStrings(GlTable* gl) {
-    const bool isEdited = *hiddenExtensions() || *offeredShadingRateExtensions();
+    const bool isEdited = *hiddenExtensions() || !words(offeredExtensions()).empty();
     if (!isEdited || !gl->glGetString || !gl->glGetStringi || !gl->glGetIntegerv || !gl->glGetInteger64v) {
         return;
     }

@@ -9,7 +9,7 @@ namespace android::rig {
 
 /**
  * Takes the extensions that ORVEL_HIDE_EXTENSIONS names, separated by blanks, out of a driver's list and adds those of
- * the shading-rate stand-in.
+ * the stand-ins.
  * @param list words separated by blanks
  */
 std::string editExtensions(const std::string& list);

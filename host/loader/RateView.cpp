@@ -3,8 +3,10 @@
 #include "LogFile.h"
 #include "PngFile.h"
 
+#include <array>
 #include <cstdio>
 #include <cstring>
+#include <fstream>
 
 namespace android::rig {
 
@@ -277,9 +279,8 @@ std::vector<uint32_t> RateView::readImage(const RateImage& image) const {
 }
 
 /** @return indices into the palette, the lowest row first */
-std::vector<uint8_t> RateView::picture(const Target& target) const {
+std::vector<uint8_t> RateView::picture(const Target& target, const std::vector<uint32_t>& texels) const {
     std::vector<uint8_t> pixels = readRates(target);
-    const std::vector<uint32_t> texels = readImage(target.image);
     // The image is laid over the whole target, whatever size its texels are said to have.
     const auto texelAt = [&](size_t pixel) {
         const size_t column = pixel % target.width * target.image.width / target.width;
@@ -298,15 +299,58 @@ std::vector<uint8_t> RateView::picture(const Target& target) const {
     return pixels;
 }
 
+/** One line of JSON: how many of a target's pixels have which rate, and what share of 1x1's fragments that saves. */
+static bool writeCounts(const std::string& path, const std::vector<uint8_t>& pixels) {
+    std::array<size_t, kRateCodes + 1> counts{};
+    for (const uint8_t pixel : pixels) {
+        ++counts[pixel];
+    }
+    std::map<std::string, size_t> byRate; // several codes mean the same rate
+    size_t drawn = 0;
+    double fragments = 0;
+    for (RateCode code = 0; code < kRateCodes; ++code) {
+        const size_t count = counts[size_t{code} + 1];
+        if (count != 0) {
+            byRate[textOf(code)] += count;
+            drawn += count;
+            fragments += static_cast<double>(count) / (1 << (log2Width(code) + log2Height(code)));
+        }
+    }
+    std::string rates;
+    for (const auto& [rate, count] : byRate) {
+        rates += (rates.empty() ? "\"" : ", \"") + rate + "\": " + std::to_string(count);
+    }
+    std::ofstream file(path);
+    file << "{\"undrawn\": " << counts[0] << ", \"pixels\": {" << rates
+         << "}, \"saved\": " << (drawn ? 1 - fragments / static_cast<double>(drawn) : 0) << "}\n";
+    return static_cast<bool>(file);
+}
+
+void RateView::writeTarget(const std::string& path, const Target& target) const {
+    const std::vector<uint32_t> texels = readImage(target.image);
+    const std::vector<uint8_t> pixels = picture(target, texels);
+    bool isWritten =
+        writePng(path + ".png", target.width, target.height, pixels, palette()) && writeCounts(path + ".json", pixels);
+    if (!texels.empty()) {
+        std::vector<uint8_t> image(texels.size() / 4);
+        for (size_t i = 0; i < image.size(); ++i) {
+            image[i] = static_cast<uint8_t>(1 + (texels[i * 4] & kRateMask));
+        }
+        isWritten &= writePng(path + "-image.png", target.image.width, target.image.height, image, palette());
+    }
+    if (!isWritten) {
+        RIG_LOGE("cannot write %s.png and what belongs to it", path.c_str());
+    }
+}
+
 void RateView::write(const std::string& path) {
     if (mTargets.empty()) {
         return;
     }
     const ReadScope scope(mDriver);
     for (const auto& [framebuffer, target] : mTargets) {
-        const std::string file = path + "-framebuffer-" + std::to_string(framebuffer) + ".png";
-        if (target.isDrawn && !writePng(file, target.width, target.height, picture(target), palette())) {
-            RIG_LOGE("cannot write %s", file.c_str());
+        if (target.isDrawn) {
+            writeTarget(path + "-framebuffer-" + std::to_string(framebuffer), target);
         }
         mDriver.glDeleteFramebuffers(1, &target.framebuffer);
         mDriver.glDeleteRenderbuffers(1, &target.storage);

@@ -42,7 +42,10 @@ public:
     void cover(GLuint framebuffer, const DrawRate& rate, const std::function<void()>& draw);
     /** The game cleared depth. */
     void clearDepth(GLuint framebuffer);
-    /** Writes <path>-framebuffer-N.png for each target that was drawn to, and begins anew. */
+    /**
+     * Writes <path>-framebuffer-N.png and .json for each target that was drawn to, and <path>-framebuffer-N-image.png if
+     * its rates came from an image, too. Begins anew.
+     */
     void write(const std::string& path);
 
 private:
@@ -62,7 +65,8 @@ private:
     void grow(Target& target, uint32_t width, uint32_t height);
     std::vector<uint8_t> readRates(const Target& target) const;
     std::vector<uint32_t> readImage(const RateImage& image) const;
-    std::vector<uint8_t> picture(const Target& target) const;
+    std::vector<uint8_t> picture(const Target& target, const std::vector<uint32_t>& texels) const;
+    void writeTarget(const std::string& path, const Target& target) const;
 
     const GlTable& mDriver;
     std::map<GLuint, Target> mTargets; // by the game's framebuffer

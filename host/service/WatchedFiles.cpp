@@ -19,10 +19,11 @@ using Values = std::vector<std::string>;
 constexpr char kUsage[] = "usage: orvel-set ROOT NAME VALUE...\n"
                           "  scene ID                        the game's scene\n"
                           "  quality LEVEL                   its picture quality\n"
-                          "  picture KEY VALUE               any of its picture settings\n"
-                          "  vrs LEVEL                       shading level\n"
+                          "  picture-key KEY VALUE           any of its picture settings\n"
+                          "  vrs-level LEVEL                 shading level\n"
                           "  window small|full               small-window mode\n"
-                          "  filter TYPE STRENGTH DARKEDGE   colour filter\n"
+                          "  filter TYPE [--strength PERCENT] [--dark-edge]\n"
+                          "                                  colour filter; 0 for none\n"
                           "  info LINE                       one line of the game-information file, as it stands\n"
                           "  dr WIDTHxHEIGHT                 size of the game's render targets\n"
                           "  sr 0|1                          super resolution off or on\n"
@@ -44,8 +45,9 @@ struct Setting {
 const std::map<std::string, Setting> kSettings = {
     {"scene", {1, [](const auto& package, const auto& v) { return "1 " + package + " " + v[0]; }, 2}},
     {"quality", {1, [](const auto& package, const auto& v) { return "2 " + package + " 8 " + v[0]; }, 3}},
-    {"picture", {2, [](const auto& package, const auto& v) { return "2 " + package + " " + v[0] + " " + v[1]; }, 3}},
-    {"vrs", {1, [](const auto& package, const auto& v) { return "3 " + package + " " + v[0]; }, 2}},
+    {"picture-key",
+     {2, [](const auto& package, const auto& v) { return "2 " + package + " " + v[0] + " " + v[1]; }, 3}},
+    {"vrs-level", {1, [](const auto& package, const auto& v) { return "3 " + package + " " + v[0]; }, 2}},
     {"window", {1, [](const auto& package, const auto& v) { return "4 " + package + " " + v[0]; }, 2}},
     {"filter",
      {3, [](const auto& package, const auto& v) { return "5 " + package + " " + v[0] + " " + v[1] + " " + v[2]; }, 2}},
@@ -101,6 +103,23 @@ int setLine(const std::string& root, const std::string& file, const std::string&
     return status;
 }
 
+/** Brings a filter's options into the places that its line has for them. @return false when they are wrong */
+bool completeFilter(Values* values) {
+    std::string strength = "100";
+    std::string darkEdge = "0";
+    for (size_t i = 1; i < values->size(); ++i) {
+        if ((*values)[i] == "--dark-edge") {
+            darkEdge = "1";
+        } else if ((*values)[i] == "--strength" && i + 1 < values->size() && isNumber((*values)[i + 1])) {
+            strength = (*values)[++i];
+        } else {
+            return false;
+        }
+    }
+    *values = {values->front(), strength, darkEdge};
+    return true;
+}
+
 int setResolution(const std::string& root, const std::string& package, const std::string& size) {
     int width = 0;
     int height = 0;
@@ -144,6 +163,9 @@ int main(int argc, char** argv) {
     const auto setting = kSettings.find(name);
     if (setting == kSettings.end()) {
         return usage("unknown name " + name);
+    }
+    if (name == "filter" && !completeFilter(&values)) {
+        return usage("filter takes TYPE [--strength PERCENT] [--dark-edge]");
     }
     if (values.size() != setting->second.values) {
         return usage(name + " takes " + std::to_string(setting->second.values) + " value(s)");

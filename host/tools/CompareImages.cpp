@@ -12,8 +12,9 @@
 
 namespace {
 
-constexpr char kUsage[] = "usage: orvel-compare A.png B.png [DIFFERENCE.png]\n"
-                          "  the difference picture shows |A - B| per channel, brightened so that 1 can be seen\n";
+constexpr char kUsage[] = "usage: orvel-compare A.png B.png [DIFFERENCE.png] [--where-equal C.png D.png]\n"
+                          "  the difference picture shows |A - B| per channel, brightened so that 1 can be seen\n"
+                          "  --where-equal adds the counts among those pixels that C and D have in common\n";
 constexpr int kBrighten = 16;
 
 struct Image {
@@ -98,21 +99,42 @@ std::optional<double> structuralSimilarity(const Image& a, const Image& b) {
 } // namespace
 
 int main(int argc, char** argv) {
-    if (argc != 3 && argc != 4) {
+    std::vector<const char*> paths(argv + 1, argv + argc);
+    std::optional<Image> masks[2];
+    const auto option = std::find_if(paths.begin(), paths.end(),
+                                     [](const char* word) { return std::strcmp(word, "--where-equal") == 0; });
+    if (option != paths.end()) {
+        if (paths.end() - option != 3) {
+            std::fputs(kUsage, stderr);
+            return 2;
+        }
+        masks[0] = read(option[1]);
+        masks[1] = read(option[2]);
+        if (!masks[0] || !masks[1]) {
+            return 1;
+        }
+        paths.erase(option, paths.end());
+    }
+    if (paths.size() != 2 && paths.size() != 3) {
         std::fputs(kUsage, stderr);
         return 2;
     }
-    const auto a = read(argv[1]);
-    const auto b = read(argv[2]);
+    const auto a = read(paths[0]);
+    const auto b = read(paths[1]);
     if (!a || !b) {
         return 1;
     }
-    if (a->width != b->width || a->height != b->height) {
-        std::fprintf(stderr, "orvel-compare: %ux%u against %ux%u pixels\n", a->width, a->height, b->width, b->height);
-        return 1;
+    for (const Image* other : {&*b, masks[0] ? &*masks[0] : &*a, masks[1] ? &*masks[1] : &*a}) {
+        if (a->width != other->width || a->height != other->height) {
+            std::fprintf(stderr, "orvel-compare: %ux%u against %ux%u pixels\n", a->width, a->height, other->width,
+                         other->height);
+            return 1;
+        }
     }
     Image difference = *a;
     size_t differentPixels = 0;
+    size_t commonPixels = 0;
+    size_t commonDifferent = 0;
     int largest = 0;
     double squares = 0;
     for (size_t pixel = 0; pixel < a->rgb.size(); pixel += 3) {
@@ -125,8 +147,12 @@ int main(int argc, char** argv) {
             difference.rgb[i] = static_cast<uint8_t>(std::min(255, delta * kBrighten));
         }
         differentPixels += different;
+        if (masks[0] && std::memcmp(&masks[0]->rgb[pixel], &masks[1]->rgb[pixel], 3) == 0) {
+            ++commonPixels;
+            commonDifferent += different;
+        }
     }
-    if (argc == 4 && !write(argv[3], difference)) {
+    if (paths.size() == 3 && !write(paths[2], difference)) {
         return 1;
     }
     const double meanSquare = squares / static_cast<double>(a->rgb.size());
@@ -134,8 +160,12 @@ int main(int argc, char** argv) {
     const std::string psnr = meanSquare > 0 ? std::to_string(10 * std::log10(255.0 * 255.0 / meanSquare)) : "null";
     const auto similarity = structuralSimilarity(*a, *b);
     std::printf("{\"width\": %u, \"height\": %u, \"different_pixels\": %zu, \"largest_difference\": %d, "
-                "\"psnr\": %s, \"ssim\": %s}\n",
+                "\"psnr\": %s, \"ssim\": %s",
                 a->width, a->height, differentPixels, largest, psnr.c_str(),
                 similarity ? std::to_string(*similarity).c_str() : "null");
+    if (masks[0]) {
+        std::printf(", \"common_pixels\": %zu, \"different_common_pixels\": %zu", commonPixels, commonDifferent);
+    }
+    std::puts("}");
     return 0;
 }
