@@ -17,6 +17,7 @@ import tempfile
 
 sys.path.insert(0, str(pathlib.Path(__file__).parent))
 import dynamic_resolution  # one module a chapter
+import filters
 import frame_repetition
 import page
 import real_program
@@ -26,7 +27,7 @@ import small_window
 import super_resolution
 
 CHAPTERS = [module.chapter for module in (real_program, dynamic_resolution, super_resolution, frame_repetition, scenes,
-                                         render_sizes, small_window)]
+                                         render_sizes, small_window, filters)]
 PROJECT = pathlib.Path(__file__).resolve().parents[2]
 
 
@@ -92,8 +93,9 @@ class Stage:
         width, height = struct.unpack(">II", pathlib.Path(picture).read_bytes()[16:24])
         return f"{width}x{height}"
 
-    def compare(self, a, b, difference):
-        done = subprocess.run([self.tools / "orvel-compare", a, b, difference], check=True, capture_output=True, text=True)
+    def compare(self, a, b, difference, where_equal=()):
+        command = [self.tools / "orvel-compare", a, b, difference, *(["--where-equal", *where_equal] if where_equal else [])]
+        done = subprocess.run(command, check=True, capture_output=True, text=True)
         return json.loads(done.stdout)
 
 

@@ -4,6 +4,7 @@
 #include "RenderTargets.h"
 #include "Report.h"
 #include "ShadingRate.h"
+#include "SwapLoads.h"
 
 #include <atomic>
 #include <cstring>
@@ -30,6 +31,7 @@ struct CountedSwap;
 template <typename... Params, EGLBoolean (*egl_t::*Slot)(Params...)>
 struct CountedSwap<Slot> {
     static EGLBoolean EGLAPIENTRY call(Params... params) {
+        endLoads();
         endShadingRateFrame();
         const EGLBoolean swapped = (sDriverEgl.*Slot)(params...);
         if (swapped) {
@@ -74,6 +76,7 @@ void observe(GlTable* gl, egl_t* egl) {
         gl->glShaderSource = observeShaderSource;
     }
     observeRenderTargets(gl);
+    observeLoads(gl);
 #define ORVEL_OBSERVE(name)                                                                                            \
     if (egl->name) {                                                                                                   \
         egl->name = CountedSwap<&egl_t::name>::call;                                                                   \
@@ -82,7 +85,10 @@ void observe(GlTable* gl, egl_t* egl) {
 #undef ORVEL_OBSERVE
 }
 
-void expectSwap() { tSwapExpected = true; }
+void expectSwap() {
+    tSwapExpected = true;
+    beginLoads();
+}
 
 ShaderTextScope::ShaderTextScope(GLuint shader, GLsizei count, const GLchar* const* string, const GLint* length)
     : mShader(shader) {

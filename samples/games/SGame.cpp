@@ -39,17 +39,6 @@ protected:
         } else {
             Game::drawScene(frame);
         }
-    }
-
-    void drawOwnScenery(int /*frame*/) override {
-        for (const Vec3& place : {Vec3{3.5F, 0, 2}, Vec3{-3.5F, 0, 2}}) {
-            mTowers.use();
-            mTowers.setColumns(kMatrixUniform, mScene.camera().viewProjection);
-            mScene.drawPillar(mTowers, place);
-        }
-    }
-
-    void drawInterface(int frame) override {
         if (event() == "masked") {
             clearByProgram();
         } else {
@@ -59,10 +48,17 @@ protected:
             mUnits->bind(UNIT_NOISE, mLobbyBanner);
         } else if (event() == "heroes") {
             mUnits->bind(UNIT_NOISE, mStage);
-            mUnits->bind(UNIT_NOISE, mSkinPreview); // belongs to the scene, though it is drawn behind the clear
+            mUnits->bind(UNIT_NOISE, mSkinPreview); // still the scene, though it is drawn behind the clear
             drawOverlays({120});
         }
-        Game::drawInterface(frame);
+    }
+
+    void drawOwnScenery(int /*frame*/) override {
+        for (const Vec3& place : {Vec3{3.5F, 0, 2}, Vec3{-3.5F, 0, 2}}) {
+            mTowers.use();
+            mTowers.setColumns(kMatrixUniform, mScene.camera().viewProjection);
+            mScene.drawPillar(mTowers, place);
+        }
     }
 
     bool drawEvent(const std::string& event) override {
