@@ -43,6 +43,7 @@ constexpr char kUsage[] =
                            be given several times
   --fill RRGGBB            hide the scene behind this colour, so that pictures show the interface alone
   --screenshot FRAME:FILE  read the finished picture back at the base size, without the interface, into a PNG file
+  --multisampled           draw battles into a multisampled texture where the driver can (sgame)
   --illegal-program-at N   from frame N on use the program "Dynamic Sky/Cube Ground Cloud" (yuanshen)
   --restore-at N           from frame N on bind the texture "CameraDesc"
   --help                   this text
@@ -156,8 +157,8 @@ Options parseOptions(int argc, char** argv) {
             std::fputs(kUsage, stdout);
             std::exit(0);
         }
-        if (option == "--x11") {
-            options.x11 = true;
+        if (option == "--x11" || option == "--multisampled") {
+            (option == "--x11" ? options.x11 : options.multisampled) = true;
             --i; // there is no value
             continue;
         }

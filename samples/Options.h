@@ -36,6 +36,7 @@ struct Options {
     std::map<int, std::string> events;      // what is going on in the game, by the frame it begins with
     std::map<int, std::string> screenshots; // files, by frame
     std::optional<uint32_t> fill;           // colour that hides the scene, 0xRRGGBB
+    bool multisampled = false;              // the main colour target of a battle (sgame)
     int illegalProgramAt = kNever;
     int restoreAt = kNever;
 };

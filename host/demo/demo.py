@@ -23,11 +23,12 @@ import page
 import real_program
 import render_sizes
 import scenes
+import shading_rates
 import small_window
 import super_resolution
 
 CHAPTERS = [module.chapter for module in (real_program, dynamic_resolution, super_resolution, frame_repetition, scenes,
-                                         render_sizes, small_window, filters)]
+                                         render_sizes, small_window, filters, shading_rates)]
 PROJECT = pathlib.Path(__file__).resolve().parents[2]
 
 

@@ -12,6 +12,8 @@ mark.old { background: #f002; color: var(--bad); } mark.new { background: #0f02;
 .detail { overflow: hidden; position: relative; max-width: 100%; }
 .detail img { position: absolute; max-width: none; transform-origin: 0 0; image-rendering: pixelated; }
 figure { margin: 0; } figcaption { font-size: .9rem; } img { max-width: 100%; background: #000; }
+.overlay { position: relative; } .overlay img { width: 100%; display: block; }
+.overlay img + img { position: absolute; inset: 0; height: 100%; opacity: .45; image-rendering: pixelated; }
 .row { display: flex; flex-wrap: wrap; gap: 1rem; } .row > * { flex: 1 1 20rem; min-width: 0; }
 code.hook { display: inline-block; background: var(--soft); padding: 0 .4rem; margin: .1rem; border-radius: .3rem; }
 """
@@ -38,6 +40,12 @@ def detail(image, caption, part, zoom=3):
     return (f'<figure><div class="detail" style="{style}"><img src="{escape(image)}" alt="{escape(caption)}" '
             f'style="transform:scale({zoom});left:{-left * zoom}px;top:{-top * zoom}px"></div>'
             f"<figcaption>{escape(caption)}</figcaption></figure>")
+
+
+def overlay(image, above, caption):
+    """A picture with another one of the same shape half transparent above it."""
+    return (f'<figure><div class="overlay"><img src="{escape(image)}" alt="{escape(caption)}"><img src="{escape(above)}" alt="">'
+            f"</div><figcaption>{escape(caption)}</figcaption></figure>")
 
 
 def side_by_side(parts):

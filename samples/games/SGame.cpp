@@ -17,6 +17,7 @@ class SGame : public Game {
 public:
     explicit SGame(const Options& options)
         : Game(options, std::make_unique<TextureUnits>()),
+          mIsMultisampled(options.multisampled),
           mEmptySky("Lobby Sky", shaders::fullScreen(), shaders::sky()),
           mTowers("Battle Tower", shaders::placedByColumns(), shaders::object()),
           mClear("Hidden/Internal-Clear", shaders::fullScreen(), shaders::copy()),
@@ -80,7 +81,7 @@ private:
     void loadBattle() {
         mScene.setMaterials({makeMaterial("hero_body_d"), makeMaterial("scene_tower_d"), makeMaterial("scene_ground_d"),
                              makeMaterial("scene_sky"), makeMaterial("fx_water")});
-        mScene.renewColour("SGame_Main_color_0", /*multisampled=*/false);
+        mScene.renewColour("SGame_Main_color_0", mIsMultisampled);
         mHud = makeIcon("battle_hud");
         makeIcon("pvp_5_small");
     }
@@ -99,6 +100,7 @@ private:
         glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
     }
 
+    const bool mIsMultisampled;
     const Program mEmptySky;
     const Program mTowers;
     const Program mClear;
