@@ -11,9 +11,12 @@ BASE, WINDOW = "2220x932", "1110x466"  # the size that the rate image is made fo
 CONFIGURATION = {"configs": {
     "xrender_BaseInfo": "1",
     "xrender_PayloadData": filters.PAYLOAD,
-    "vrs_LabelInfo": r"ground#scene_ground_.*;tower#scene_tower_.*;water#fx_.*;map#pvp_\d_small;fbo#.*_Main_color_.*",
+    # What reads the finished scene has a class of its own: a rate stays until a texture with another one is bound.
+    "vrs_LabelInfo": r"ground#scene_ground_.*;tower#scene_tower_.*;water#fx_.*;screen#.*_Main_color_.*;"
+                     r"map#pvp_\d_small;fbo#.*_Main_color_.*",
     # level # draws: rate code and classes $ regions: centre and rim for plain and multisampled targets
-    "vrs_LabelLevel": "1#12:tower,22:ground|water$12,22,12,44;2#22:tower,44:ground|water$12,22,44,12,42,44"}}
+    "vrs_LabelLevel": "1#11:screen,12:tower,22:ground|water$12,22,12,44;"
+                      "2#11:screen,22:tower,44:ground|water$12,22,44,12,42,44"}}
 LOADING, BATTLE, LEVEL_1, LEVEL_2, SMALL, FULL, LOBBY, END = 41, 51, 88, 118, 121, 136, 176, 185
 # Before which frame the game does something, and what it is told. Levels and qualities are looked up every 30 frames.
 EVENTS = [(LOADING, "loading"), (BATTLE, "battle"), (LOBBY, "none")]
