@@ -2,6 +2,7 @@
 
 #include "Game.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cstdarg>
 #include <cstdio>
@@ -31,6 +32,9 @@ constexpr char kUsage[] =
   --png DIR                where pictures go, as frame-0001.png
   --png-frames LIST        which frames, as 1,60,120; counted from 1
   --csv FILE               time of every frame: its number and milliseconds until the driver finished
+  --names FILE             every 100 frames: how many GL objects of each kind there are, and the newest name
+  --short-contexts         make contexts on another thread, one after the other, draw a few frames with each and
+                           destroy it
   --at FRAME:COMMAND       run COMMAND in a shell before that frame; may be given several times.
                            The library looks at its files when a frame ends, so what COMMAND changes
                            shows from FRAME + 1 on.
@@ -135,8 +139,8 @@ void checkTogether(const Options& options) {
             wrong("%s names frame %d, the last one is %d", option, frame, options.frames);
         }
     }
-    if (options.x11 && options.contexts > 1) {
-        wrong("--contexts needs windows without a display");
+    if (options.x11 && (options.contexts > 1 || options.shortContexts)) {
+        wrong("more contexts need windows without a display");
     }
     if (options.game != "yuanshen" && options.illegalProgramAt != kNever) {
         wrong("--illegal-program-at is a habit of yuanshen");
@@ -157,8 +161,13 @@ Options parseOptions(int argc, char** argv) {
             std::fputs(kUsage, stdout);
             std::exit(0);
         }
-        if (option == "--x11" || option == "--multisampled") {
-            (option == "--x11" ? options.x11 : options.multisampled) = true;
+        const std::pair<const char*, bool*> flags[] = {{"--x11", &options.x11},
+                                                       {"--multisampled", &options.multisampled},
+                                                       {"--short-contexts", &options.shortContexts}};
+        const auto flag =
+            std::find_if(std::begin(flags), std::end(flags), [&](const auto& known) { return option == known.first; });
+        if (flag != std::end(flags)) {
+            *flag->second = true;
             --i; // there is no value
             continue;
         }
@@ -189,6 +198,8 @@ Options parseOptions(int argc, char** argv) {
             options.pictureFrames = frameList(argv[i], value, kMostFrames);
         } else if (option == "--csv") {
             options.timesFile = value;
+        } else if (option == "--names") {
+            options.namesFile = value;
         } else if (option == "--at") {
             const auto [frame, command] = atFrame(argv[i], "COMMAND", value, kMostFrames);
             options.commands[frame].push_back(command);

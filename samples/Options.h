@@ -30,6 +30,8 @@ struct Options {
     int work = 0;
     std::string pictureFolder; // empty: no pictures
     std::set<int> pictureFrames;
+    std::string namesFile; // empty: no names
+    bool shortContexts = false;
     std::string timesFile;                            // empty: no times
     std::map<int, std::vector<std::string>> commands; // by the frame they precede
     int minFrameMilliseconds = 12;

@@ -5,9 +5,11 @@
 #include "Picture.h"
 #include "Window.h"
 
+#include <atomic>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <functional>
 #include <thread>
 #include <vector>
 
@@ -46,6 +48,54 @@ void writePicture(const Options& options, const sample::Window& window, int fram
     sample::writePicture(options.pictureFolder + name, window.size());
 }
 
+std::FILE* openList(const std::string& path, const char* header) {
+    if (path.empty()) {
+        return nullptr;
+    }
+    std::FILE* file = std::fopen(path.c_str(), "w");
+    if (!file) {
+        sample::fail("cannot write %s", path.c_str());
+    }
+    std::fputs(header, file);
+    return file;
+}
+
+void closeList(std::FILE* file, const std::string& path) {
+    if (file && std::fclose(file) != 0) {
+        sample::fail("cannot write %s", path.c_str());
+    }
+}
+
+template <typename Generate, typename Delete, typename Is>
+void writeObjects(std::FILE* file, Generate generate, Delete destroy, Is is) {
+    GLuint last = 0;
+    generate(1, &last);
+    int alive = 0;
+    for (GLuint name = 1; name < last; ++name) {
+        alive += is(name) == GL_TRUE;
+    }
+    destroy(1, &last);
+    std::fprintf(file, ",%d,%u", alive, last);
+}
+
+/** How many objects there are, and how many were ever made: the driver counts names upwards. */
+void writeNames(std::FILE* file, int frame) {
+    constexpr int kPeriod = 100;
+    if (!file || frame % kPeriod != 0) {
+        return;
+    }
+    std::fprintf(file, "%d", frame);
+    writeObjects(file, glGenTextures, glDeleteTextures, glIsTexture);
+    writeObjects(file, glGenBuffers, glDeleteBuffers, glIsBuffer);
+    writeObjects(file, glGenFramebuffers, glDeleteFramebuffers, glIsFramebuffer);
+    writeObjects(file, glGenVertexArrays, glDeleteVertexArrays, glIsVertexArray);
+    writeObjects(
+        file, [](GLsizei, GLuint* program) { *program = glCreateProgram(); },
+        [](GLsizei, const GLuint* program) { glDeleteProgram(*program); }, glIsProgram);
+    std::fputc('\n', file);
+    std::fflush(file);
+}
+
 /** One more context, on the calling thread; nobody looks at its pictures. */
 void playUnseen(Options options) {
     options.commands.clear();
@@ -61,22 +111,28 @@ void playUnseen(Options options) {
     }
 }
 
+void playShortly(Options options, const std::atomic<bool>& ended) {
+    options.frames = 20;
+    while (!ended.load(std::memory_order_relaxed)) {
+        playUnseen(options);
+    }
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
     const Options options = sample::parseOptions(argc, argv);
-    std::FILE* times = nullptr;
-    if (!options.timesFile.empty()) {
-        times = std::fopen(options.timesFile.c_str(), "w");
-        if (!times) {
-            sample::fail("cannot write %s", options.timesFile.c_str());
-        }
-        std::fputs("frame,milliseconds\n", times);
-    }
+    std::FILE* times = openList(options.timesFile, "frame,milliseconds\n");
+    std::FILE* names = openList(
+        options.namesFile, "frame,textures,last,buffers,last,framebuffers,last,vertex arrays,last,programs,last\n");
     sample::Window window(options); // first: it prepares the environment, too
     std::vector<std::thread> others;
     for (int i = 1; i < options.contexts; ++i) {
         others.emplace_back(playUnseen, options);
+    }
+    std::atomic<bool> ended = false;
+    if (options.shortContexts) {
+        others.emplace_back(playShortly, options, std::cref(ended));
     }
     const auto game = sample::makeGame(options);
     for (int frame = 1; frame <= options.frames; ++frame) {
@@ -89,15 +145,16 @@ int main(int argc, char** argv) {
         if (times) {
             std::fprintf(times, "%d,%.3f\n", frame, taken.count());
         }
+        writeNames(names, frame);
         writePicture(options, window, frame);
         std::this_thread::sleep_until(start + std::chrono::milliseconds(options.minFrameMilliseconds));
         window.swap();
     }
+    ended.store(true, std::memory_order_relaxed);
     for (std::thread& other : others) {
         other.join();
     }
-    if (times && std::fclose(times) != 0) {
-        sample::fail("cannot write %s", options.timesFile.c_str());
-    }
+    closeList(times, options.timesFile);
+    closeList(names, options.namesFile);
     return 0;
 }
