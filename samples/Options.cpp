@@ -33,8 +33,9 @@ constexpr char kUsage[] =
   --png-frames LIST        which frames, as 1,60,120; counted from 1
   --csv FILE               time of every frame: its number and milliseconds until the driver finished
   --names FILE             every 100 frames: how many GL objects of each kind there are, and the newest name
-  --short-contexts         make contexts on another thread, one after the other, draw a few frames with each and
-                           destroy it
+  --short-contexts load|draw
+                           make contexts on another thread, one after the other, load textures or draw a few frames with
+                           each and destroy it
   --at FRAME:COMMAND       run COMMAND in a shell before that frame; may be given several times.
                            The library looks at its files when a frame ends, so what COMMAND changes
                            shows from FRAME + 1 on.
@@ -162,8 +163,7 @@ Options parseOptions(int argc, char** argv) {
             std::exit(0);
         }
         const std::pair<const char*, bool*> flags[] = {{"--x11", &options.x11},
-                                                       {"--multisampled", &options.multisampled},
-                                                       {"--short-contexts", &options.shortContexts}};
+                                                       {"--multisampled", &options.multisampled}};
         const auto flag =
             std::find_if(std::begin(flags), std::end(flags), [&](const auto& known) { return option == known.first; });
         if (flag != std::end(flags)) {
@@ -200,6 +200,11 @@ Options parseOptions(int argc, char** argv) {
             options.timesFile = value;
         } else if (option == "--names") {
             options.namesFile = value;
+        } else if (option == "--short-contexts") {
+            if (std::string_view(value) != "load" && std::string_view(value) != "draw") {
+                wrong("--short-contexts is load or draw, not \"%s\"", value);
+            }
+            options.shortContexts = *value == 'l' ? Options::LOADING : Options::DRAWING;
         } else if (option == "--at") {
             const auto [frame, command] = atFrame(argv[i], "COMMAND", value, kMostFrames);
             options.commands[frame].push_back(command);

@@ -31,7 +31,7 @@ struct Options {
     std::string pictureFolder; // empty: no pictures
     std::set<int> pictureFrames;
     std::string namesFile; // empty: no names
-    bool shortContexts = false;
+    enum { NO_SHORT_CONTEXTS, LOADING, DRAWING } shortContexts = NO_SHORT_CONTEXTS;
     std::string timesFile;                            // empty: no times
     std::map<int, std::vector<std::string>> commands; // by the frame they precede
     int minFrameMilliseconds = 12;

@@ -111,10 +111,20 @@ void playUnseen(Options options) {
     }
 }
 
+/** Contexts that live shortly: an engine's loading threads have them, an app's views, too. */
 void playShortly(Options options, const std::atomic<bool>& ended) {
     options.frames = 20;
     while (!ended.load(std::memory_order_relaxed)) {
-        playUnseen(options);
+        if (options.shortContexts == Options::DRAWING) {
+            playUnseen(options);
+            continue;
+        }
+        const sample::Window window(options);
+        const GLuint texture = sample::makeMaterial("Loaded");
+        glFinish();
+        glDeleteTextures(1, &texture);
+        reportErrors(0);
+        std::this_thread::sleep_for(std::chrono::milliseconds(options.minFrameMilliseconds));
     }
 }
 
@@ -131,7 +141,7 @@ int main(int argc, char** argv) {
         others.emplace_back(playUnseen, options);
     }
     std::atomic<bool> ended = false;
-    if (options.shortContexts) {
+    if (options.shortContexts != Options::NO_SHORT_CONTEXTS) {
         others.emplace_back(playShortly, options, std::cref(ended));
     }
     const auto game = sample::makeGame(options);

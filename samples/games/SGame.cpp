@@ -6,6 +6,7 @@
 #include "Shaders.h"
 
 #include <utility>
+#include <vector>
 
 namespace sample {
 
@@ -79,11 +80,18 @@ private:
     static GLuint makeIcon(const char* label) { return makeTexture(label, GL_RGBA8, {64, 64}, 1, GL_LINEAR); }
 
     void loadBattle() {
-        mScene.setMaterials({makeMaterial("hero_body_d"), makeMaterial("scene_tower_d"), makeMaterial("scene_ground_d"),
-                             makeMaterial("scene_sky"), makeMaterial("fx_water")});
+        glDeleteTextures(static_cast<GLsizei>(mBattleTextures.size()), mBattleTextures.data());
+        mBattleTextures.clear();
+        const auto keep = [&](GLuint texture) {
+            mBattleTextures.push_back(texture);
+            return texture;
+        };
+        mScene.setMaterials({keep(makeMaterial("hero_body_d")), keep(makeMaterial("scene_tower_d")),
+                             keep(makeMaterial("scene_ground_d")), keep(makeMaterial("scene_sky")),
+                             keep(makeMaterial("fx_water"))});
         mScene.renewColour("SGame_Main_color_0", mIsMultisampled);
-        mHud = makeIcon("battle_hud");
-        makeIcon("pvp_5_small");
+        mHud = keep(makeIcon("battle_hud"));
+        keep(makeIcon("pvp_5_small"));
     }
 
     /** All that is behind the interface where no scene is. */
@@ -110,6 +118,7 @@ private:
     const GLuint mSkinPreview;
     const GLuint mResultTitle;
     GLuint mHud = 0;
+    std::vector<GLuint> mBattleTextures;
 };
 
 } // namespace
