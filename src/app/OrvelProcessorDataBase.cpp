@@ -1,5 +1,6 @@
 #include "app/OrvelProcessorDataBase.h"
 
+#include "app/ConfigText.h"
 #include "app/OrvelApplicationUtils.h"
 #include "app/OrvelProcessorModuleDataBase.h"
 #include "base/OrvelLog.h"
@@ -24,19 +25,6 @@ constexpr char kPayloadDataKey[] = "xrender_PayloadData";
 
 constexpr uint32_t kModuleBits = 30; // the mask's bits above these name no module
 constexpr int32_t kByThreadName = 1; // value of mainContextMode
-
-/** @return the key's value as text; nothing when it is missing, or a list or an object, which is logged */
-std::optional<std::string> textOf(const Json::Value& json, const char* key) {
-    if (!json.isObject() || !json.isMember(key)) {
-        return std::nullopt;
-    }
-    const Json::Value& value = json[key];
-    if (!value.isConvertibleTo(Json::stringValue)) {
-        ORVEL_LOGE("configuration of \"%s\" is malformed: no text", key);
-        return std::nullopt;
-    }
-    return value.asString();
-}
 
 /** Runs a conversion of the standard library; what it throws then says which key's text was no number. */
 template <typename Convert>
@@ -103,7 +91,7 @@ void OrvelProcessorDataBase::CheckExtensionFunctions(std::function<bool(const st
 }
 
 void OrvelProcessorDataBase::InitProcessorConfigData(const Json::Value& json) {
-    if (const auto text = textOf(json, kBaseInfoKey); text && !text->empty()) {
+    if (const auto text = configText(json, kBaseInfoKey); text && !text->empty()) {
         baseInfo |=
             numberOf(kBaseInfoKey, *text, [](const std::string& mask) { return std::stoull(mask, nullptr, 10); });
     }
@@ -112,10 +100,10 @@ void OrvelProcessorDataBase::InitProcessorConfigData(const Json::Value& json) {
     }
     InitProcessorCreateInfo();
     InitModuleIdArray(static_cast<uint32_t>(baseInfo));
-    if (const auto text = textOf(json, kCheckMainInfoKey); text && !text->empty()) {
+    if (const auto text = configText(json, kCheckMainInfoKey); text && !text->empty()) {
         InitMainContext(*text);
     }
-    if (const auto payload = textOf(json, kPayloadDataKey)) {
+    if (const auto payload = configText(json, kPayloadDataKey)) {
         ParsePayloadData(*payload);
     }
     std::vector<uint32_t> unusable;
@@ -192,6 +180,17 @@ module::OrvelProcessorModuleDataBase* OrvelProcessorDataBase::GetProcessorModule
     const std::lock_guard lock(mMutex);
     const auto data = moduleData.find(id);
     return data == moduleData.end() ? nullptr : data->second;
+}
+
+bool OrvelProcessorDataBase::WithProcessorModuleData(
+    uint32_t id, const std::function<void(const module::OrvelProcessorModuleDataBase&)>& visit) const {
+    const std::lock_guard lock(mMutex);
+    const auto data = moduleData.find(id);
+    if (data == moduleData.end()) {
+        return false;
+    }
+    visit(*data->second);
+    return true;
 }
 
 void OrvelProcessorDataBase::ColloctExtensionFunctions(

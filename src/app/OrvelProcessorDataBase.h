@@ -60,9 +60,15 @@ public:
     std::vector<uint32_t> GetModuleIds() const;
     /**
      * @return the module's parameters, still owned here, or null. Another thread may take the module out at any time, and
-     *         its parameters with it: a module that needs extension functions must not keep the pointer.
+     *         its parameters with it: a module that needs extension functions uses the next one.
      */
     module::OrvelProcessorModuleDataBase* GetProcessorModuleData(uint32_t id);
+    /**
+     * Shows the module's parameters to visit, which copies what it needs and does not call back.
+     * @return false when there are none
+     */
+    bool WithProcessorModuleData(uint32_t id,
+                                 const std::function<void(const module::OrvelProcessorModuleDataBase&)>& visit) const;
     /** Files the ids of the modules that are left under the names of the functions they need. */
     void ColloctExtensionFunctions(const std::unordered_map<uint32_t, std::vector<std::string>>& perModule);
     /** Drops every module that needs this function: the application has asked for it and now uses it itself. */
@@ -84,7 +90,7 @@ private:
     void AppendModuleId(uint32_t id);
     void EraseLocked(uint32_t id);
 
-    mutable std::mutex mMutex; // only GetModuleExtensionFunctions and destructors of parameters run under it
+    mutable std::mutex mMutex; // others' code under it: GetModuleExtensionFunctions, visits, parameters' destructors
     std::vector<std::string> mFunctionOrder;  // keys of extensionFunctions as they came; under mMutex
     std::atomic<bool> mHasAnyModuleId{false}; // moduleIds is not empty; written under mMutex, read by make-current
 };

@@ -21,7 +21,7 @@ constexpr auto kNoRecursion =
 
 } // namespace
 
-OrvelPattern::OrvelPattern(const std::string& pattern) {
+OrvelPattern::OrvelPattern(const std::string& pattern) : mPieces(pattern) {
     try {
         mRegex.emplace(pattern, kNoRecursion);
         return;
@@ -38,6 +38,9 @@ OrvelPattern::OrvelPattern(const std::string& pattern) {
 bool OrvelPattern::matches(std::string_view text) const {
     if (!mRegex || (mShortTextsOnly && text.size() > kShortText)) {
         return false;
+    }
+    if (const auto verdict = mPieces.look(text); verdict != OrvelPatternPieces::ASK_MATCHER) {
+        return verdict == OrvelPatternPieces::MATCH;
     }
     try {
         return std::regex_match(text.begin(), text.end(), *mRegex);

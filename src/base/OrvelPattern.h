@@ -1,6 +1,8 @@
 // A regular expression from the configuration, safe to use on a game's threads.
 #pragma once
 
+#include "base/OrvelPatternPieces.h"
+
 #include <optional>
 #include <regex>
 #include <string>
@@ -13,7 +15,8 @@ namespace android::orvel {
  *
  * The usual matcher recurses for every character, which ends a thread with a small stack, and some patterns take it
  * exponential time. This one takes a matcher that does neither; only a pattern with back-references needs the usual
- * one, and is then not tried on long texts.
+ * one, and is then not tried on long texts. Any matcher asks for memory and time, so what a look at the pattern's
+ * literal pieces can decide never gets to one.
  */
 class OrvelPattern {
 public:
@@ -25,6 +28,7 @@ public:
     bool matches(std::string_view text) const;
 
 private:
+    OrvelPatternPieces mPieces;
     std::optional<std::regex> mRegex;
     bool mShortTextsOnly = false;
 };

@@ -26,6 +26,7 @@ public:
     OrvelStateTracker& operator=(const OrvelStateTracker&) = delete;
 
     void StoreActiveTexture();
+    GLenum GetStoredActiveTexture() const { return static_cast<GLenum>(activeTexture); }
     /** The binding of the unit that is active now; restored to the unit that is active then. */
     void StoreTextureBinding2D();
     void StoreBlendState();

@@ -25,6 +25,8 @@ void connectLibrary() {
     hooks->gl.name = reinterpret_cast<Result(GL_APIENTRY*) params>(eglGetProcAddress(#name));
 #include <entries/gl_entries.in>
 #undef GL_ENTRY
+    connection.platform.glGetString = glGetString;
+    connection.platform.eglGetCurrentContext = eglGetCurrentContext;
     orvel::next::InitNextFunctions(&connection);
 }
 

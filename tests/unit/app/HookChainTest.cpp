@@ -2,6 +2,7 @@
 
 #include "app/OrvelSwapHooks.h"
 #include "next/effects/OrvelVisualEffectManager.h"
+#include "settings/OrvelSettings.h"
 
 #include <gmock/gmock.h>
 
@@ -156,6 +157,8 @@ TEST(Processor, EnablesLoadingOfEffectsWhenItMay) {
         bool EnableEffectManagerLoadResource() override { return ++mAsked > 1; }
         int mAsked = 0;
     };
+    const auto driver = RecordingDriver::installed(); // loading asks it
+    OrvelSettings::getInstance().mApplicationType = APP_TYPE_SGAME;
     Effects processor;
     processor.OnBegin();
     ASSERT_NE(processor.GetEffectManager(), nullptr);

@@ -119,7 +119,11 @@ TEST(ProcessorConfiguration, FillsIdsAndMainContext) {
         SCOPED_TRACE(keys.json);
         OrvelProcessorDataBase* data = CreateProcessorData();
         LogCapture log;
-        data->InitProcessorConfigData(parse(keys.json));
+        Json::Value json = parse(keys.json);
+        if (json.isObject()) {
+            json["effect_Binary"] = "0;0;0"; // what module 2 needs
+        }
+        data->InitProcessorConfigData(json);
         EXPECT_EQ(data->GetModuleIds(), keys.ids);
         EXPECT_EQ(data->HasAnyModuleId(), !keys.ids.empty());
         EXPECT_EQ(data->mainContextMode, keys.mode);
@@ -214,6 +218,9 @@ struct Made {
 };
 void PrintTo(const Made& made, std::ostream* out) { *out << "type " << made.type; }
 
+constexpr char kUsableParameters[] =
+    R"({"effect_Binary":"0;0;0","vrs_LabelInfo":"a#x","vrs_LabelLevel":"1#44:a$2,2,2,2"})";
+
 class FactoryOf : public testing::TestWithParam<Made> {};
 
 // Catches a type that gets another game's processor or modules, an id that no processor knows and that yields one, and
@@ -224,8 +231,10 @@ TEST_P(FactoryOf, MakesProcessorAndModules) {
     EXPECT_THROW(CreateGLProcessor(), std::bad_function_call);
     InitModuleCreateInfo(1); // nothing is registered: nothing happens
     RegisterProcessorGlobalGLHooks(nullptr);
-    beFramework(made.type, 1 | 2 | 4 | kSharedShading);
-    RegisterProcessorGlobalGLHooks(nullptr);
+    auto& data = beFramework(made.type, 1 | 2 | 4 | kSharedShading);
+    for (const uint32_t id : data.GetModuleIds()) {
+        data.InitProcessorModuleData(id, parse(kUsableParameters));
+    }
     OrvelProcessorBase* processor = CreateGLProcessor();
     ASSERT_EQ(processor != nullptr, made.hasProcessor);
     if (processor) {
@@ -240,7 +249,6 @@ TEST_P(FactoryOf, MakesProcessorAndModules) {
         auto* parameters = CreateProcessorModuleData(id, Json::Value());
         EXPECT_EQ(parameters != nullptr, exists) << id;
         ReleaseProcessorModuleData(parameters);
-        RegisterProcessorModuleGlobalGLHooks(id, nullptr);
     }
     if (processor) {
         processor->OnEnd();

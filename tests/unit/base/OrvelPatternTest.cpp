@@ -42,3 +42,30 @@ TEST(Pattern, StandsLongTextsOnSmallStacks) {
     pthread_join(thread, nullptr);
     pthread_attr_destroy(&attributes);
 }
+
+// Catches a pattern whose literal pieces decide otherwise than a matcher would.
+TEST(Pattern, IsDecidedAsAMatcherDoes) {
+    const char* const patterns[] = {
+        "",         "abc",     ".*",     ".*b.*",    "a.*c",          "a.*b.*c",  "a.c",     "ab*c",
+        "ab?c",     "a(b|x)c", "ab|c",   "^abc$",    "a[b.]c",        "a[^]]c",   "a\\.c",   "a\\dc",
+        "a.*?c",    "ab+?c",   "a{2}b",  "a{0,1}bc", "a[[:alpha:]]c", "(?=a).*",  "a\\x62c", "a\\bc",
+        ".*\\.png", "(a)\\1",  ".*abc",  "abc.*",    "a.*a",          "ab.*bc",   "a\\x2ec", "a\\\\c",
+        "\\Bb",     "a\\tc",   "a\\cJc", "a[\\]b]c", "a]c",           "a.{0,2}c", ".+",      "[]abc",
+    };
+    const char* const texts[] = {"",    "a",      "aa",    "aba",   "abc",   "abbc", "ac",    "a.c",  "axc",
+                                 "a7c", "abcabc", "xabcx", "aab",   "bc",    "ab",   "c",     "a\nc", "ab\nbc",
+                                 "\n",  "a]c",    "a\\c",  "abbbc", "x.png", "a\tc", "a\377c"};
+    for (const char* pattern : patterns) {
+        const LogCapture log; // of patterns that are none
+        std::optional<std::regex> plain;
+        try {
+            plain.emplace(pattern);
+        } catch (const std::regex_error&) {
+        }
+        const OrvelPattern ours(pattern);
+        EXPECT_EQ(ours.isValid(), plain.has_value()) << pattern;
+        for (const char* text : texts) {
+            EXPECT_EQ(ours.matches(text), plain && std::regex_match(text, *plain)) << pattern << " and " << text;
+        }
+    }
+}

@@ -2,6 +2,8 @@
 
 #include "app/games/shared/OrvelSharedVRSModules.h"
 
+#include <vector>
+
 namespace android::orvel::app {
 
 static const OrvelShadingRateData::FunctionTable& functions() {
@@ -12,6 +14,10 @@ static const OrvelShadingRateData::FunctionTable& functions() {
     return table;
 }
 
-OrvelPUBGData::OrvelPUBGData() : OrvelShadingRateData(functions()) {}
+OrvelPUBGData::OrvelPUBGData()
+    : OrvelShadingRateData(functions()),
+      blockingLabels(std::vector<std::string>{"LOGIN_image_mengban_xiabu", "LoadingUI_Atlas", "TMode_Result_MVP_Logo",
+                                              "TeamCompetiton_Result_TitleBg", "Results_ClassicMode"}),
+      triggerLabels(std::vector<std::string>{"T_CrossHairNormal"}) {}
 
 } // namespace android::orvel::app

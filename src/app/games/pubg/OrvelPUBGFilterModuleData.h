@@ -1,16 +1,16 @@
-// Parameters of OrvelPUBGFilterModule: none are read.
+// Parameters of OrvelPUBGFilterModule, all of which are the effect manager's.
 #pragma once
 
-#include "app/OrvelProcessorModuleDataBase.h"
+#include "app/OrvelEffectModuleData.h"
 
 #include <cstdint>
 
 namespace android::orvel::app::module {
 
-class OrvelPUBGFilterModuleData : public OrvelProcessorModuleDataBase {
+class OrvelPUBGFilterModuleData : public OrvelEffectModuleData {
 public:
     static constexpr uint32_t MODULE_DATA_TYPE = 2;
-    using OrvelProcessorModuleDataBase::OrvelProcessorModuleDataBase;
+    using OrvelEffectModuleData::OrvelEffectModuleData;
 };
 
 } // namespace android::orvel::app::module

@@ -1,4 +1,5 @@
-// A module of the PUBG package that the configuration knows and that has nothing to do.
+// A module that the tuning service may list for the PUBG package. Nothing here belongs to it: it is valid and hooks
+// nothing, so that a configuration that lists it is served like any other.
 #pragma once
 
 #include "app/OrvelModuleBase.h"

@@ -1,4 +1,4 @@
-// Parameters of OrvelPUBGIRRModule: none are read.
+// Parameters of OrvelPUBGIRRModule: any will do, none are read.
 #pragma once
 
 #include "app/OrvelProcessorModuleDataBase.h"

@@ -1,0 +1,375 @@
+// When the games' filters are drawn, and what they leave behind.
+#include "PlayedGame.h"
+#include "app/games/pubg/OrvelPUBGProcessor.h"
+#include "app/games/sgame/OrvelSGameFilterModuleData.h"
+#include "app/games/sgame/OrvelSGameProcessor.h"
+
+#include <gmock/gmock.h>
+
+#include <map>
+
+using namespace android;
+using namespace android::orvel;
+using namespace android::orvel::app;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace {
+
+/** Frames of one scene, events and what is drawn, as drawn() tells it. */
+struct Filtered {
+    int scene; // of the frame before, and reported at this one's end
+    const char* events;
+    const char* drawn;
+};
+
+// ---- SGame ---------------------------------------------------------------------------------------------------------
+
+/** Plays events, one character each; the lobby was seen, so that its matches are filtered. */
+class SGame : public PlayedGame {
+public:
+    SGame() : PlayedGame(APP_TYPE_SGAME, 2, kFilter, "lobby:lobby;battle:battle#x#2") {
+        loadFilter(4);
+        for (const auto& [texture, label] : kLabels) {
+            gl().glLabelObjectEXT(GL_TEXTURE, texture, 0, label);
+        }
+        play("L");
+        swap(4);
+        driver().forget();
+    }
+
+    OrvelSGameProcessor& state() { return processor<OrvelSGameProcessor>(); }
+
+    void play(const char* events) {
+        for (; *events; ++events) {
+            play(*events);
+        }
+    }
+
+private:
+    static inline const std::map<GLuint, const char*> kLabels = {{'L', "lobby"}, {'B', "battle"}, {'S', "skip_1"},
+                                                                 {'T', "s"},     {'R', "result"}, {'n', "no result"}};
+
+    void play(char event) {
+        switch (event) {
+        case 'd':
+            return draw();
+        case 'c':
+            return gl().glClear(GL_DEPTH_BUFFER_BIT | GL_STENCIL_BUFFER_BIT);
+        case 'x': {
+            const GLuint textures[] = {'S', 0, 'R'};
+            return gl().glDeleteTextures(3, textures);
+        }
+        default:
+            return gl().glBindTexture(GL_TEXTURE_2D, static_cast<GLuint>(event));
+        }
+    }
+};
+
+const Filtered kSGame[] = {
+    {102, "dddcdd", "dddFdd|"},                                   // once, before the interface
+    {102, "ddd", "dddF|"},                                        // at the end, if the interface was not found
+    {102, "dd", "dd|"},                                           // not in a light frame
+    {102, "dddcSdd", "ddddFd|"}, {102, "dddcSTdSdd", "dddddFd|"}, // each skip lasts for one draw
+    {102, "dddcSd", "ddddF|"},   {102, "dddcnd", "dddFd|"},
+    {102, "dddScd", "dddFd|"},                              // bound before the interface
+    {102, "dddcRd", "dddFd|"},   {102, "Rddd", "ddd|"},     // a result screen is no scene
+    {6, "dddcd", "dddFd|"},      {6, "dddSdcd", "ddddFd|"}, // skipped in the hero selection only
+    {5, "dddcd", "dddFd|"},      {5, "ddd", "ddd|"},
+    {7, "dddRcd", "dddFd|"},     {7, "Rddd", "dddF|"}, // not looked for in the service's battle
+    {102, "xRddd", "dddF|"},                           // deleted: no result any more
+    {102, "dddcSd", "dddFd|"},
+};
+
+// Catches a filter over the interface, a second one, none, or one in the wrong frame.
+TEST(SGameFilter, IsDrawnOnceBeforeTheInterface) {
+    SGame game;
+    ASSERT_TRUE(game.state().GetEffectManager()->EnableRender());
+    game.play("dddcd");
+    game.swap(102);
+    EXPECT_EQ(game.drawn(), "dddd|") << "in the lobby";
+    for (const Filtered& row : kSGame) {
+        SCOPED_TRACE(row.events);
+        game.play("ddd");
+        game.swap(row.scene);
+        game.driver().forget();
+        game.play(row.events);
+        game.swap(row.scene);
+        EXPECT_EQ(game.drawn(), row.drawn);
+    }
+}
+
+// Catches a result screen that ends no battle, or one outside a battle that ends something.
+TEST(SGameFilter, TellsOfResultScreens) {
+    SGame game;
+    const auto statusAfter = [&](const char* events, int scene) {
+        game.play(events);
+        game.swap(scene);
+        return game.state().SceneStatus();
+    };
+    EXPECT_EQ(statusAfter("dddB", 4), kStatusBattle);
+    EXPECT_EQ(statusAfter("dddn", 4), kStatusBattle);
+    EXPECT_EQ(statusAfter("dddR", 4), kStatusLobby);
+    EXPECT_EQ(statusAfter("ddd", 102), kStatusHeroSelect);
+    EXPECT_EQ(statusAfter("dddR", 102), kStatusHeroSelect);
+}
+
+// Catches a colour mask that swallows the filter or is not put back, and one that is touched without need.
+TEST(SGameFilter, AtTheFramesEndWritesAllColors) {
+    SGame game;
+    game.play("ddd");
+    game.swap(102);
+    for (const std::array<GLint, 4> mask : {std::array<GLint, 4>{0, 0, 0, 0}, {1, 0, 1, 1}, {1, 1, 1, 1}}) {
+        game.driver().answer<&next::GlTable::glGetIntegerv>([mask](GLenum name, GLint* values) {
+            if (name == GL_COLOR_WRITEMASK) {
+                std::copy(mask.begin(), mask.end(), values);
+            }
+        });
+        game.play("ddd");
+        game.driver().forget();
+        game.swap(102);
+        Calls calls;
+        for (const std::string& made : game.driver().calls()) {
+            if (made.starts_with("glColorMask") || made.starts_with("glDraw")) {
+                calls.push_back(made);
+            }
+        }
+        Calls expected = {call("glDrawArrays", GL_TRIANGLES, 0, 3)};
+        if (mask != std::array<GLint, 4>{1, 1, 1, 1}) {
+            expected.insert(expected.begin(), call("glColorMask", 1, 1, 1, 1));
+            expected.push_back(call("glColorMask", mask[0], mask[1], mask[2], mask[3]));
+        }
+        EXPECT_EQ(calls, expected);
+    }
+}
+
+/** @return the calls that switch a capability, and the filter's draw */
+Calls switchesOf(const RecordingDriver& driver) {
+    Calls switches;
+    for (const std::string& made : driver.calls()) {
+        if (made.starts_with("glEnable(") || made.starts_with("glDisable(") || made == call("glDrawArrays", 4, 0, 3)) {
+            switches.push_back(made);
+        }
+    }
+    return switches;
+}
+
+// Catches a capability that shows in the filter, is switched without need, or is not put back in order.
+TEST(SGameFilter, SwitchesOffWhatIsOn) {
+    SGame game;
+    game.play("ddd");
+    game.swap(102);
+    game.driver().answer<&next::GlTable::glIsEnabled>([](GLenum cap) { return cap != GL_STENCIL_TEST; });
+    game.play("dddc");
+    game.driver().forget();
+    game.play("d");
+    EXPECT_THAT(switchesOf(game.driver()),
+                ElementsAre(call("glDisable", GL_BLEND), call("glDisable", GL_DEPTH_TEST),
+                            call("glDisable", GL_SCISSOR_TEST), call("glDrawArrays", GL_TRIANGLES, 0, 3),
+                            call("glEnable", GL_BLEND), call("glEnable", GL_DEPTH_TEST),
+                            call("glEnable", GL_SCISSOR_TEST)));
+}
+
+// Catches parameters that are read from another part, kept although they are unusable, or refused although they are not.
+TEST(SGameFilterData, ReadsItsParts) {
+    struct Row {
+        const char* json;
+        bool valid;
+        std::vector<bool> binary = {};
+        std::vector<uint32_t> types = {};
+        uint32_t period = 10;
+        size_t skips = 0;
+        std::vector<std::string> results = {};
+    };
+    const Row rows[] = {
+        {kFilter, true, {false, false, false}, {1, 1, 1, 1, 1}, 1, 2, {"result.*", "result_.*"}},
+        {R"({"effect_Binary":"1;0;-2"})", true, {true, false, true}},
+        {R"({"effect_Binary":"1;0;2;16;a|a|(;b|b","effect_Types":"8;0;7;6;5;4"})",
+         true,
+         {true, false, true},
+         {8, 7, 6, 5, 4},
+         10,
+         2,
+         {"b"}},
+        {R"({"effect_Binary":"1;;0;;2;15"})", true, {true, false, true}, {}, 15}, // empty parts vanish
+        {R"({"effect_Binary":"1;0;2;x"})", false},
+        {R"({"effect_Binary":"1;0;x"})", false},
+        {R"({"effect_Binary":"1;0"})", false},
+        {R"({"effect_Binary":""})", false},
+        {R"({"effect_Types":"1;2;3;4;5"})", false},
+        {R"({"effect_Binary":"1;0;1","effect_Types":"1;2;3;4;0"})", false},
+        {R"({"effect_Binary":"1;0;1","effect_Types":"1;2;3;4;5;9"})", false},
+        {R"({"effect_Binary":"1;0;1","effect_Types":"1;2;3;4;5;-1"})", false},
+        {R"({"effect_Binary":"1;0;1","effect_Types":"1;2;3;4;5;x"})", false},
+        {R"({"effect_Binary":{}})", false},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.json);
+        Json::Value json;
+        std::istringstream(row.json) >> json;
+        const module::OrvelSGameFilterModuleData data(json);
+        ASSERT_EQ(data.valid, row.valid);
+        if (row.valid) {
+            EXPECT_EQ(data.effectBinary, row.binary);
+            EXPECT_EQ(data.effectTypes, row.types);
+            EXPECT_EQ(data.checkPeriod, row.period);
+            EXPECT_EQ(data.skipTextures.size(), row.skips);
+            EXPECT_EQ(data.resultPatterns, row.results);
+        }
+    }
+}
+
+// ---- PUBG ----------------------------------------------------------------------------------------------------------
+
+/** Plays events, one character each; scene 6 was reported. */
+class Pubg : public PlayedGame {
+public:
+    static constexpr GLuint kSceneTarget = 9;
+
+    explicit Pubg(uint32_t modules = 2) : PlayedGame(APP_TYPE_PUBG, modules, kFilter) {
+        gl().glLabelObjectEXT(GL_TEXTURE, 'S', 0, "SceneColorMobile");
+        gl().glLabelObjectEXT(GL_TEXTURE, 'n', 0, "xSceneColorMobile");
+        gl().glLabelObjectEXT(GL_TEXTURE, 'H', 0, "T_CrossHairNormal");
+        gl().glLabelObjectEXT(GL_TEXTURE, 'L', 0, "LoadingUI_Atlas");
+        gl().glLabelObjectEXT(GL_BUFFER_OBJECT_EXT, 'b', 0, "T_CrossHairNormal");
+        play("s");
+        attach(GL_COLOR_ATTACHMENT0, 'S');
+        play("o");
+        attach(GL_DEPTH_ATTACHMENT, 'S');
+        attach(GL_COLOR_ATTACHMENT0, 'n');
+        swap(6);
+        driver().forget();
+    }
+
+    void play(const char* events) {
+        for (; *events; ++events) {
+            play(*events);
+        }
+    }
+
+private:
+    void attach(GLenum attachment, GLuint texture) {
+        gl().glFramebufferTexture2DMultisampleEXT(GL_FRAMEBUFFER, attachment, GL_TEXTURE_2D, texture, 0, 4);
+    }
+
+    void play(char event) {
+        static constexpr GLenum kDiscarded[] = {GL_COLOR, GL_DEPTH};
+        switch (event) {
+        case 'd':
+            return gl().glDrawElements(GL_TRIANGLES, kGamesVertices, GL_UNSIGNED_SHORT, nullptr);
+        case 'i':
+            return gl().glDrawElementsInstanced(GL_TRIANGLES, kGamesVertices, GL_UNSIGNED_SHORT, nullptr, 1);
+        case '0': // the screen
+            return gl().glBindFramebuffer(GL_DRAW_FRAMEBUFFER, 0);
+        case 's': // the scene
+            return gl().glBindFramebuffer(GL_FRAMEBUFFER, kSceneTarget);
+        case 'o': // another target
+            return gl().glBindFramebuffer(GL_FRAMEBUFFER, 8);
+        case 'r':
+            return gl().glBindFramebuffer(GL_READ_FRAMEBUFFER, 0);
+        case '+':
+            return gl().glEnable(GL_BLEND);
+        case '-':
+            return gl().glDisable(GL_DEPTH_TEST);
+        case 'a':
+            return gl().glBlendFuncSeparate(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA, GL_ONE, GL_ZERO);
+        case 'z':
+            return gl().glDiscardFramebufferEXT(GL_FRAMEBUFFER, 2, kDiscarded);
+        case 'Z':
+            return gl().glDiscardFramebufferEXT(GL_FRAMEBUFFER, 1, kDiscarded);
+        default:
+            return gl().glBindTexture(GL_TEXTURE_2D, static_cast<GLuint>(event));
+        }
+    }
+};
+
+using Frames = std::vector<Filtered>; // here the scene is reported at the frame's end
+
+const Frames kPubg[] = {
+    {{6, "d0d+-azdid", "ddFdid|"}},
+    {{6, "0+-azid", "Fid|"}},
+    // The pattern: nothing missing, nothing more, in order where order counts.
+    {{6, "0-azd", "d|"}},
+    {{6, "0+azd", "d|"}},
+    {{6, "0+-zd", "d|"}},
+    {{6, "0a+-zd", "d|"}}, // blending is switched on behind the function
+    {{6, "0+-ad", "d|"}},
+    {{6, "0+-aZd", "d|"}},
+    {{6, "o+-azd", "d|"}},
+    {{6, "r+-azd", "d|"}},
+    {{6, "0+-azsssszd", "d|"}}, // both patterns at once
+    // The scene's target counts, and hits, from frame to frame.
+    {{6, "s0+-ad", "d|"},
+     {6, "s0+-ad", "d|"},
+     {6, "s0+-ad", "d|"},
+     {6, "s0+-ad", "Fd|"},
+     {6, "s0+-ad", "Fd|"},
+     {6, "0+-ad", "d|"},
+     {6, "s0+-ad", "Fd|"},
+     {6, "0d", "d|"},
+     {6, "s0+-ad", "d|"}},
+    {{6, "ss0+-azd", "Fd|"}, {6, "sss0+-ad", "d|"}, {6, "s0+-ad", "Fd|"}}, // the first pattern begins to count anew
+    {{6, "oooo0+-ad", "d|"}},
+    // Textures.
+    {{6, "dHdd", "dFdd|"}},
+    {{6, "nbd", "d|"}},
+    {{6, "LHd", "d|"}, {6, "Hd", "d|"}, {6, "Hd", "Fd|"}},
+    {{6, "HLd", "Fd|"}, {6, "Hd", "d|"}},
+    {{6, "L0+-azd", "d|"}},
+    // Scenes.
+    {{5, "Hd", "Fd|"},
+     {6, "Hd", "d|"},
+     {1000, "Hd", "Fd|"},
+     {1001, "Hd", "Fd|"},
+     {111, "Hd", "d|"},
+     {6, "Hd", "d|"},
+     {6, "Hd", "Fd|"}},
+    {{5, "ssss", "|"}, {5, "ssss", "|"}, {6, "ssss", "|"}, {6, "0+-ad", "d|"}},
+    // Without a sign: at the end of a frame with enough indexed draws.
+    {{6, "dddddddddd", "dddddddddd|"}, {6, "ddddddddddi", "ddddddddddiF|"}},
+    {{6, "dddddddddddL", "ddddddddddd|"}},
+    {{6, "dddddddddddHd", "dddddddddddFd|"}, {6, "dddddddddddH", "ddddddddddd|"}},
+};
+
+class PubgFilter : public testing::TestWithParam<Frames> {};
+
+// Catches a filter over the display, a second one, none, or one in the wrong frame.
+TEST_P(PubgFilter, IsDrawnOnceBeforeTheDisplay) {
+    Pubg game;
+    game.loadFilter(6);
+    for (const Filtered& frame : GetParam()) {
+        SCOPED_TRACE(frame.events);
+        game.play(frame.events);
+        game.swap(frame.scene);
+        std::string drawn = frame.drawn;
+        std::replace(drawn.begin(), drawn.end(), 'i', 'd');
+        EXPECT_EQ(game.drawn(), drawn);
+    }
+}
+INSTANTIATE_TEST_SUITE_P(Stories, PubgFilter, testing::ValuesIn(kPubg));
+
+// Catches a capability that shows in the filter or is not put back.
+TEST(PubgFilterState, IsPutBackAsItWas) {
+    Pubg game;
+    game.loadFilter(6);
+    game.driver().answer<&next::GlTable::glIsEnabled>([](GLenum cap) { return cap == GL_CULL_FACE; });
+    game.play("Hd");
+    EXPECT_THAT(switchesOf(game.driver()),
+                ElementsAre(call("glDisable", GL_BLEND), call("glDisable", GL_SCISSOR_TEST),
+                            call("glDisable", GL_CULL_FACE), call("glDrawArrays", GL_TRIANGLES, 0, 3),
+                            call("glDisable", GL_BLEND), call("glDisable", GL_SCISSOR_TEST),
+                            call("glEnable", GL_CULL_FACE)));
+}
+
+// Catches a processor that watches for nobody.
+TEST(PubgFilterState, IsIdleWithoutAFilterModule) {
+    Pubg game(1);
+    game.swap(6);
+    game.play("H");
+    auto& processor = game.processor<OrvelPUBGProcessor>();
+    EXPECT_FALSE(processor.DrawNow());
+    EXPECT_EQ(processor.GetEffectManager(), nullptr);
+    EXPECT_FALSE(processor.EnableEffectManagerLoadResource());
+}
+
+} // namespace

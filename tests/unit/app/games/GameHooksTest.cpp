@@ -1,0 +1,78 @@
+// What the games' processors and modules write into the loader's table.
+#include "PlayedGame.h"
+
+#include <gmock/gmock.h>
+
+using namespace android;
+using namespace android::orvel;
+using testing::ElementsAre;
+using testing::UnorderedElementsAreArray;
+
+namespace {
+
+const Calls kSGame = {"glBindFramebuffer", "glClear",         "glDrawElements", "glBindTexture", "glLabelObjectEXT",
+                      "glDeleteTextures",  "glDeleteProgram", "glColorMask",    "glUseProgram"};
+const Calls kSGameShading = {"glDrawArrays",
+                             "glDrawElementsInstanced",
+                             "glDrawArraysInstanced",
+                             "glFramebufferTexture2D",
+                             "glFramebufferTexture2DMultisampleEXT",
+                             "glUniform4fv"};
+const Calls kSGameFilter = {"glDrawArraysInstanced", "glDrawArrays", "glDrawElementsInstanced"};
+const Calls kPubg = {"glEnable",
+                     "glDisable",
+                     "glBindTexture",
+                     "glDiscardFramebufferEXT",
+                     "glBlendFuncSeparate",
+                     "glLabelObjectEXT",
+                     "glBindFramebuffer",
+                     "glFramebufferTexture2DMultisampleEXT"};
+const Calls kPubgFilter = {"glDrawElements", "glDrawElementsInstanced"};
+
+constexpr char kAll[] = R"({"effect_Binary":"0;0;0","vrs_LabelInfo":"a#x","vrs_LabelLevel":"1#44:a$2,2,2,2"})";
+
+struct Hooked {
+    OrvelApplicationType type;
+    uint32_t modules;
+    std::vector<Calls> entries;
+};
+void PrintTo(const Hooked& row, std::ostream* out) { *out << "type " << row.type << " modules " << row.modules; }
+
+template <typename R, typename... Args>
+void callWithZeros(R(GL_APIENTRY* entry)(Args...)) {
+    entry(Args{}...);
+}
+
+class GameHooks : public testing::TestWithParam<Hooked> {};
+
+// Catches an entry that is not hooked, is hooked for nothing, leads to another one, or does not reach the driver once.
+TEST_P(GameHooks, AreThoseOfProcessorAndModules) {
+    PlayedGame game(GetParam().type, GetParam().modules, kAll);
+    Calls expected;
+    for (const Calls& entries : GetParam().entries) {
+        expected.insert(expected.end(), entries.begin(), entries.end());
+    }
+    std::sort(expected.begin(), expected.end());
+    expected.erase(std::unique(expected.begin(), expected.end()), expected.end());
+    Calls hooked;
+#define GL_ENTRY(Result, name, params, args, providers)                                                                \
+    if (game.gl().name != next::gl.name) {                                                                             \
+        hooked.push_back(#name);                                                                                       \
+        game.driver().forget();                                                                                        \
+        callWithZeros(game.gl().name);                                                                                 \
+        EXPECT_THAT(game.driver().calls(), ElementsAre(testing::StartsWith(#name "(")));                               \
+    }
+#include <entries/gl_entries.in>
+#undef GL_ENTRY
+    EXPECT_THAT(hooked, UnorderedElementsAreArray(expected));
+}
+INSTANTIATE_TEST_SUITE_P(Games, GameHooks,
+                         testing::Values(Hooked{APP_TYPE_SGAME, 1, {kSGame, kSGameShading}},
+                                         Hooked{APP_TYPE_SGAME, 2, {kSGame, kSGameFilter}},
+                                         Hooked{APP_TYPE_SGAME, 3, {kSGame, kSGameShading, kSGameFilter}},
+                                         Hooked{APP_TYPE_SGAME, kSharedShading, {kSGame}},
+                                         Hooked{APP_TYPE_PUBG, 1 | kSharedShading, {kPubg}},
+                                         Hooked{APP_TYPE_PUBG, 2, {kPubg, kPubgFilter}},
+                                         Hooked{APP_TYPE_BILI, kSharedShading, {}}));
+
+} // namespace

@@ -1,0 +1,271 @@
+#include "EffectGame.h"
+#include "RecordingDriver.h"
+#include "next/OrvelNext.h"
+#include "next/OrvelStateTracker.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstring>
+#include <memory>
+#include <string>
+#include <vector>
+
+using namespace android;
+using namespace android::orvel::next;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace {
+
+constexpr GLint kGamesTexture = 5;
+constexpr GLint kParam = 1; // location
+int sContext;
+
+/** A driver that makes whatever it is asked for, and notes what is made in a frame: one letter each. */
+class Effects : public testing::Test {
+protected:
+    void SetUp() override {
+        const auto makeName = [this](GLsizei, GLuint* name) { *name = ++mNames; };
+        mDriver->answer<&platform_impl_t::glGetString>(
+            [](GLenum) { return reinterpret_cast<const GLubyte*>("GL_EXT_shader_framebuffer_fetch"); });
+        mDriver->answer<&platform_impl_t::eglGetCurrentContext>([this] { return mCurrent; });
+        mDriver->answer<&GlTable::glGenTextures>(makeName);
+        mDriver->answer<&GlTable::glGenBuffers>(makeName);
+        mDriver->answer<&GlTable::glGenVertexArrays>([this, makeName](GLsizei n, GLuint* name) {
+            mMade += 'V';
+            makeName(n, name);
+        });
+        mDriver->answer<&GlTable::glCreateShader>([this](GLenum) { return ++mNames; });
+        mDriver->answer<&GlTable::glCreateProgram>([this] { return ++mNames; });
+        mDriver->answer<&GlTable::glShaderSource>([this](GLuint, GLsizei, const GLchar* const* text, const GLint*) {
+            for (const auto& [mark, letter] : {std::pair{"lutTex", 'L'}, {"0.769", 'B'}, {"0.78,", 'G'}}) {
+                mMade += std::strstr(*text, mark) ? std::string(1, letter) : "";
+            }
+        });
+        mDriver->answer<&GlTable::glTexStorage2D>([this](GLenum, GLsizei, GLenum, GLsizei, GLsizei) { mMade += 'T'; });
+        mDriver->answer<&GlTable::glMapBufferRange>([this](GLenum, GLintptr, GLsizeiptr size, GLbitfield) -> void* {
+            mMade += 'I';
+            mMapped.resize(static_cast<size_t>(size));
+            return mMapped.data();
+        });
+        mDriver->answer<&GlTable::glGetShaderiv>([](GLuint, GLenum, GLint* value) { *value = 1; });
+        mDriver->answer<&GlTable::glGetProgramiv>([](GLuint, GLenum, GLint* value) { *value = 1; });
+        mDriver->answer<&GlTable::glGetProgramInterfaceiv>([](GLuint, GLenum, GLenum, GLint* value) { *value = 2; });
+        mDriver->answer<&GlTable::glGetProgramResourceiv>(
+            [](GLuint, GLenum, GLuint, GLsizei, const GLenum*, GLsizei, GLsizei*, GLint* values) {
+                const GLint answer[] = {7, GL_FLOAT_VEC4, 0, 1, -1};
+                std::copy(std::begin(answer), std::end(answer), values);
+            });
+        mDriver->answer<&GlTable::glGetProgramResourceName>(
+            [](GLuint, GLenum, GLuint index, GLsizei, GLsizei*, GLchar* name) {
+                std::strcpy(name, index == 0 ? "param" : "lutTex");
+            });
+        mDriver->answer<&GlTable::glGetUniformLocation>(
+            [](GLuint, const GLchar* name) { return name[0] == 'p' ? kParam : 2; });
+        mDriver->answer<&GlTable::glGetIntegerv>([this](GLenum name, GLint* value) {
+            *value = name == GL_ACTIVE_TEXTURE       ? static_cast<GLint>(mActive)
+                     : name == GL_TEXTURE_BINDING_2D ? kGamesTexture
+                     : name == GL_SAMPLER_BINDING    ? mSampler
+                                                     : 0;
+        });
+        mDriver->answer<&GlTable::glUniform4fv>([this](GLint, GLsizei, const GLfloat* values) {
+            mParams.push_back({values[0], values[1]});
+        });
+    }
+    void makeGame(OrvelApplicationType type, const char* types, const char* binary = "0;0;0;1") {
+        mGame = std::make_unique<EffectGame>(type, binary, types);
+        for (const char* image : {"kelaiyinlan", "heijin", "jinqiu", "nuancheng", "saibopengke", "lengqing"}) {
+            mGame->writeResource(std::string(image) + ".png", pngFile(4, 4));
+        }
+        mManager = std::make_unique<OrvelVisualEffectManager>();
+    }
+    /** One frame. @return what was made in it */
+    std::string frame() {
+        mMade.clear();
+        mManager->FrameEnd();
+        return mMade;
+    }
+    /** Draws as a module does. @return what the driver saw, without questions */
+    Calls render() {
+        mDriver->forget();
+        {
+            OrvelStateTracker tracker(true);
+            mManager->Render(tracker);
+        }
+        Calls made = mDriver->calls();
+        std::erase_if(made, [](const std::string& each) { return each.find("glGet") == 0; });
+        return made;
+    }
+    /** A frame, and a drawing. @return the parameters that were sent for it */
+    std::vector<std::pair<float, float>> paramsOfNextFrame() {
+        frame();
+        mParams.clear();
+        render();
+        return mParams;
+    }
+
+    std::unique_ptr<RecordingDriver> mDriver = RecordingDriver::installed();
+    std::unique_ptr<EffectGame> mGame;
+    std::unique_ptr<OrvelVisualEffectManager> mManager;
+    GLuint mNames = 100;
+    GLenum mActive = GL_TEXTURE0;
+    GLint mSampler = 0;
+    EGLContext mCurrent = &sContext;
+    std::string mMade;
+    std::vector<char> mMapped;
+    std::vector<std::pair<float, float>> mParams; // x and y of "param"
+};
+
+/** What is made frame by frame after loading was enabled. */
+struct Timeline {
+    OrvelApplicationType game;
+    const char* types;
+    std::vector<std::string> made;
+};
+
+void PrintTo(const Timeline& timeline, std::ostream* out) { *out << timeline.game << ": " << timeline.types; }
+
+class Loading : public Effects, public testing::WithParamInterface<Timeline> {};
+
+} // namespace
+
+// Catches a frame that loads more than one object, another order, images that do not share their texture, and a filter
+// that is drawn before everything is there.
+TEST_P(Loading, MakesOneObjectPerFrame) {
+    makeGame(GetParam().game, GetParam().types);
+    EffectGame::choose(1);
+    EXPECT_EQ(frame(), ""); // not enabled yet
+    mManager->EnableLoadResource();
+    for (const std::string& made : GetParam().made) {
+        EXPECT_FALSE(mManager->EnableRender());
+        EXPECT_THAT(render(), IsEmpty());
+        EXPECT_EQ(frame(), made);
+    }
+    EXPECT_TRUE(mManager->EnableRender());
+    EXPECT_EQ(frame(), "");
+}
+INSTANTIATE_TEST_SUITE_P(
+    Games, Loading,
+    testing::Values(
+        Timeline{APP_TYPE_SGAME, "1;2;4;5;7;8", {"V", "L", "B", "G", "", "", "TI", "I", "I", "I", ""}},
+        Timeline{APP_TYPE_PUBG, "1;2;3;6;7", {"V", "L", "B", "G", "", "", "TI", "I", "I", ""}},
+        Timeline{APP_TYPE_PUBG, "1;1;3;3;4;4", {"V", "L", "B", "G", "", "", "TI", "I", "", "", ""}})); // 4: no image
+
+// Catches a choice that is lost while loading, followed before its time, or taken for a filter that there is not.
+TEST_F(Effects, FollowTheChosenType) {
+    makeGame(APP_TYPE_SGAME, "1;2;3;4;5", "0;0;0;3");
+    mManager->EnableLoadResource();
+    for (int i = 1; i <= 10; ++i) {
+        EffectGame::choose(i < 4 ? 9 : 4); // changed while loading
+        frame();
+        EXPECT_EQ(mManager->EnableRender(), i == 10);
+    }
+    struct Choice {
+        int type;
+        bool drawn;
+    };
+    for (const auto& [type, drawn] : {Choice{1, true},
+                                      {0, false},
+                                      {2, true},
+                                      {9, false},
+                                      {5, true},
+                                      {-1, false},
+                                      {3, false} /* no image in this game */,
+                                      {4, true},
+                                      {8, false} /* not loaded */}) {
+        EffectGame::choose(type);
+        for (int i = 0; i < 3; ++i) { // the type is looked at once in these
+            frame();
+        }
+        EXPECT_EQ(mManager->EnableRender(), drawn) << type;
+    }
+}
+
+// Catches parameters that are sent too often, not at all, or of another scale.
+TEST_F(Effects, ParametersFollowThePlayer) {
+    using Params = std::vector<std::pair<float, float>>;
+    makeGame(APP_TYPE_SGAME, "1;2;4;5;7");
+    EffectGame::choose(4, 50, 1);
+    EffectGame::load(*mManager);
+    struct Step {
+        int type, strength, darkEdge;
+        Params sent;
+    };
+    for (const auto& [type, strength, darkEdge, sent] : {Step{4, 50, 1, {{0.5F, 2}}},
+                                                         {4, 50, 1, {}},
+                                                         {4, 20, 1, {{0.2F, 2}}},
+                                                         {4, 20, 0, {{0.2F, 0}}},
+                                                         {5, 20, 0, {{0.2F, 0}}}, // the program's may be another type's
+                                                         {1, 20, 1, {{2, 0}}},
+                                                         {1, 20, 0, {}}, // shows when it is chosen again
+                                                         {2, 20, 0, {{0, 0}}},
+                                                         {1, 20, 0, {{0, 0}}}}) {
+        EffectGame::choose(type, strength, darkEdge);
+        EXPECT_EQ(paramsOfNextFrame(), sent) << type << " " << strength << " " << darkEdge;
+    }
+}
+
+// Catches a draw without its program, image or vertex array, and a game's unit or sampler that is not given back.
+TEST_F(Effects, DrawOnTheGamesStateAndPutItBack) {
+    makeGame(APP_TYPE_SGAME, "1;4;5;7;8");
+    EffectGame::choose(4);
+    EffectGame::load(*mManager); // names: VAO 101, the LUT program 104, texture and buffer from 111 on
+    const Calls first = render();
+    const auto upload = std::find_if(first.begin(), first.end(),
+                                     [](const std::string& each) { return each.find("glTexSubImage2D") == 0; });
+    EXPECT_NE(upload, first.end());
+    const auto bind = [](GLuint texture) { return call("glBindTexture", GL_TEXTURE_2D, texture); };
+    const auto unit = [](GLuint number) { return call("glActiveTexture", GL_TEXTURE0 + number); };
+    const Calls begin{call("glUseProgram", 104)};
+    const Calls drawn{call("glBindVertexArray", 101), call("glDrawArrays", GL_TRIANGLES, 0, 3)};
+    const GLuint lut = 111;
+    EXPECT_THAT(render(), ElementsAre(begin[0], unit(0), bind(lut), drawn[0], drawn[1], call("glUseProgram", 0),
+                                      call("glBindVertexArray", 0), unit(0), bind(kGamesTexture)));
+    mActive = GL_TEXTURE3;
+    mSampler = 7;
+    EXPECT_THAT(render(), ElementsAre(begin[0], unit(0), call("glBindSampler", 0, 0), bind(lut), drawn[0], drawn[1],
+                                      call("glBindSampler", 0, 7), bind(kGamesTexture), call("glUseProgram", 0),
+                                      call("glBindVertexArray", 0), unit(3), bind(kGamesTexture)));
+}
+
+// Catches objects that are lost, deleted in another order, or deleted on another context, where their names are others'.
+TEST_F(Effects, EndOnTheirOwnContextOnly) {
+    makeGame(APP_TYPE_SGAME, "1;4;5;7;8");
+    for (const bool current : {true, false}) {
+        mCurrent = &sContext;
+        auto manager = std::make_unique<OrvelVisualEffectManager>();
+        EffectGame::load(*manager);
+        mCurrent = current ? &sContext : EGL_NO_CONTEXT;
+        mDriver->forget();
+        manager.reset();
+        Calls deleted = mDriver->calls();
+        std::erase_if(deleted, [](const std::string& each) { return each.find("glDelete") != 0; });
+        for (std::string& each : deleted) {
+            each.resize(each.find('('));
+        }
+        if (current) {
+            const std::string buffer = "glDeleteBuffers", program = "glDeleteProgram";
+            EXPECT_THAT(deleted, ElementsAre(buffer, buffer, buffer, buffer, program, program, program,
+                                             "glDeleteTextures", "glDeleteVertexArrays"));
+        } else {
+            EXPECT_THAT(deleted, IsEmpty());
+        }
+    }
+    mDriver->forget();
+    mManager.reset(); // never loaded
+    EXPECT_THAT(mDriver->calls(), IsEmpty());
+}
+
+// Catches a game without filters that gets some, and an effect that is tried again and again.
+TEST_F(Effects, AreNotForOtherGames) {
+    makeGame(APP_TYPE_YUANSHEN, "1;2;4;5;7");
+    mManager->EnableLoadResource();
+    EXPECT_EQ(frame(), "V");
+    for (int effect = 0; effect < 3; ++effect) {
+        EXPECT_THROW(mManager->FrameEnd(), std::bad_function_call);
+    }
+    EXPECT_EQ(frame(), "");
+    EXPECT_FALSE(mManager->EnableRender());
+}
