@@ -324,7 +324,7 @@ const Frames kPubg[] = {
      {111, "Hd", "d|"},
      {6, "Hd", "d|"},
      {6, "Hd", "Fd|"}},
-    {{5, "ssss", "|"}, {5, "ssss", "|"}, {6, "ssss", "|"}, {6, "0+-ad", "d|"}},
+    {{5, "", "|"}, {5, "ssss", "|"}, {6, "ssss", "|"}, {6, "s0+-ad", "d|"}},
     // Without a sign: at the end of a frame with enough indexed draws.
     {{6, "dddddddddd", "dddddddddd|"}, {6, "ddddddddddi", "ddddddddddiF|"}},
     {{6, "dddddddddddL", "ddddddddddd|"}},

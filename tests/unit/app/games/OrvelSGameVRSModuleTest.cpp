@@ -59,7 +59,7 @@ public:
     }
 
     static void picture(int key, int value) { GameInfoMonitor::getInstance().parseGamePictureInfo(key, value); }
-    static void smallWindow() { GameInfoMonitor::getInstance().parseCommonVrs("game", 1); }
+    static void smallWindow(int on = 1) { GameInfoMonitor::getInstance().parseCommonVrs("game", on); }
     uint64_t frame() { return processor<app::OrvelProcessorBase>().GetCurrentFrameId(); }
 
     /**
@@ -75,10 +75,14 @@ public:
         return std::exchange(mTrace, {});
     }
 
-    /** Through the lobby, where templates are made, into a battle with the image attached. @return what 'A' came to */
-    std::string attach() {
+    /** Through the lobby, where templates are made, into a battle. */
+    void enterBattle() {
         mBuffer = kGamesBuffer;
         EXPECT_EQ(play("l........" + std::string(kToBattle) + "tS"), "");
+    }
+    /** There the image is attached. @return what 'A' came to */
+    std::string attach() {
+        enterBattle();
         return play("A");
     }
     void expectGamesBindings() const {
@@ -128,6 +132,14 @@ private:
             return gl().glUniform4fv(9, 4, mMatrix);
         case 'S':
             return gl().glBindFramebuffer(GL_FRAMEBUFFER, 3);
+        case 'Z':
+            return gl().glBindFramebuffer(GL_FRAMEBUFFER, 0);
+        case 'q':
+            return picture(8, 3);
+        case 'w':
+            return smallWindow(1);
+        case 'W':
+            return smallWindow(0);
         case 'A':
             label(kMainColor, "x_Main_color_y");
             return gl().glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, kMainColor, 0);
@@ -177,8 +189,8 @@ private:
         driver().answer<&GlTable::glShadingRateEXT>([this](GLenum rate) { mTrace += codeOf(rate); });
         driver().answer<&GlTable::glShadingRateQCOM>(
             [this](GLenum rate) { mTrace += std::string("Q") + codeOf(rate); });
-        driver().answer<&GlTable::glGetUniformLocation>([this](GLuint program, const GLchar*) {
-            mTrace += '?';
+        driver().answer<&GlTable::glGetUniformLocation>([this](GLuint program, const GLchar* name) {
+            mTrace += name == std::string("hlslcc_mtx4x4unity_MatrixVP") ? '?' : 'X';
             return program == 5 ? 9 : program == 6 ? 0 : -1;
         });
     }
@@ -226,7 +238,13 @@ INSTANTIATE_TEST_SUITE_P(OfDraws, ShadingCondition,
                                          Condition{"b..L!"},     // no map
                                          Condition{"l..mL!"},    // no battle
                                          Condition{"l..Lb..m!"}, // labelled in the lobby
-                                         Condition{"b.mL."}));   // the level is not read yet
+                                         Condition{"b.mL."},     // the level is not read yet
+                                         Condition{kToBattle + std::string("l..bL!")}, // no map since the lobby
+                                         Condition{kToBattle + std::string("U"), "U4d"},
+                                         // What goes on while nothing is told to the driver.
+                                         Condition{kToBattle + std::string("fdq!g"), "4dd"},
+                                         Condition{kToBattle + std::string("gdw.ddddddId"), "2ddddddddd"},
+                                         Condition{kToBattle + std::string("gdw.fdW.du"), "2ddd4d"}));
 
 // Catches a later texture that takes over, a rate that is set twice, lost before the next texture or kept for the
 // interface, and a texture without a rate, or on another target, that has one.
@@ -277,10 +295,34 @@ TEST(ShadingOfDraws, DoesWithTheOlderExtension) {
     Battle battle(false);
     EXPECT_EQ(battle.attach(), "A");
     EXPECT_EQ(battle.play("S.fd"), "Q4d");
+    const LogCapture log;
+    while (battle.frame() <= 360) {
+        battle.play(".");
+    }
+    EXPECT_THAT(log.texts(ANDROID_LOG_DEBUG), ElementsAre("Vflag, p1 :1, p2: 0, level: 1"));
     EXPECT_EQ(battle.mLastBuffer, kFirstTemplate - 1);
 }
 
 // ---- regions -------------------------------------------------------------------------------------------------------
+
+class RegionCondition : public testing::TestWithParam<Condition> {};
+
+// Catches a condition of the rate image that is not asked for, or one in excess.
+TEST_P(RegionCondition, IsNeeded) {
+    Battle battle;
+    Battle::picture(8, GetParam().quality);
+    Battle::picture(10, GetParam().pictureKey10);
+    battle.enterBattle();
+    EXPECT_EQ(battle.play(GetParam().events), GetParam().trace);
+}
+INSTANTIATE_TEST_SUITE_P(OfRegions, RegionCondition,
+                         testing::Values(Condition{"AS", "#^1A>"}, Condition{"AS", "A", 2}, Condition{"AS", "A", 1, 1},
+                                         Condition{"Z", ""},               // the window is no target
+                                         Condition{"Al..S", "#^1A"},       // the lobby
+                                         Condition{"A0!S", "#^1A="},       // no level
+                                         Condition{"Aw.S", "#^1A>"},       // a small window changes nothing
+                                         Condition{"AS.fdS", "#^1A>1d>"},   // a frame after one with regions
+                                         Condition{"AS..fd", "#^1A>4d"})); // and without
 
 // Catches templates that are made twice or with another one's rates, an image that is attached after the game's texture
 // or with another content, and bindings of the game that are lost.
