@@ -41,3 +41,13 @@ dynamic_config() {
 JSON
     echo "$scratch/dynamic.json"
 }
+
+# SGame's filter and shading rates, for labels that no program here has.
+sgame_config() {
+    cat >"$scratch/sgame.json" <<'JSON'
+{"configs": {"xrender_BaseInfo": "3", "xrender_PayloadData": "lobby:lobby_.*;battle-UI:battle_.*#Hidden/.*Clear#5",
+    "effect_Binary": "0;0;0;10", "effect_Types": "1;2;4;5;7;8", "vrs_LabelInfo": "ground#scene_.*",
+    "vrs_LabelLevel": "1#22:ground$22,44,22,44;2#44:ground$22,44,44,22,44,44"}}
+JSON
+    echo "$scratch/sgame.json"
+}
