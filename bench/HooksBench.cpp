@@ -1,5 +1,5 @@
 // orvel_bench: the cost of the legacy hooks with every feature off, with dynamic resolution on, with every recogniser
-// on, and of the framework's hooks.
+// on, of the framework's hooks, of SGame's processor and of its shading rates.
 //   orvel_bench [Google Benchmark's options]   times
 //   orvel_bench --count                        under callgrind: one dump per measurement, for instruction counts
 #include "DynamicResolution.h"
@@ -7,7 +7,9 @@
 #include "FrameworkBench.h"
 #include "Measure.h"
 #include "NullDriver.h"
+#include "SGameBench.h"
 #include "SceneRecognition.h"
+#include "ShadingRateBench.h"
 #include "loader/OrvelLegacyHooks.h"
 #include "next/OrvelNext.h"
 #include "settings/orvel_modify_params.h"
@@ -47,6 +49,8 @@ void connect() {
     sHooked = sDirect;
     installOrvelHooks(&sHooked);
     connectFramework(sConnection);
+    connectSGame(sConnection);
+    connectShadingRate(sConnection);
 }
 
 const GLfloat kVector[4] = {1, 2, 3, 4};
@@ -129,6 +133,8 @@ void registerTimes() {
     registerCalls<NoFeature>(kCalls, kWays);
     registerCalls<ShrunkGame>(kRewritingCalls, kRewritingWays);
     registerCalls<RecognisedGame>(kRecognisingCalls, kRecognisingWays);
+    registerSGameTimes();
+    registerShadingRateTimes();
     registerFrameworkTimes();
     benchmark::RegisterBenchmark("switch/of 8 textures", [](benchmark::State& state) {
         const Game game(8);
@@ -153,6 +159,8 @@ void countInstructions() {
     countCalls<NoFeature>(kCalls, kWays);
     countCalls<ShrunkGame>(kRewritingCalls, kRewritingWays);
     countCalls<RecognisedGame>(kRecognisingCalls, kRecognisingWays);
+    countSGameInstructions();
+    countShadingRateInstructions();
     countFrameworkInstructions();
 }
 

@@ -6,8 +6,10 @@
 #include <json/reader.h>
 #include <png.h>
 
+#include <algorithm>
 #include <array>
 #include <filesystem>
+#include <fstream>
 #include <sstream>
 #include <vector>
 
@@ -211,10 +213,14 @@ TEST_F(ShadingRate, IsShownWhereItWasDrawn) {
     glGetIntegerv(GL_STENCIL_VALUE_MASK, &mask);
     EXPECT_EQ(mask, 0x55);
 
-    const std::filesystem::directory_iterator files(folder); // one: the second frame drew nothing
-    ASSERT_NE(files, std::filesystem::directory_iterator()) << "no picture";
-    ASSERT_THAT(files->path().filename(), testing::StartsWith("frame-0-context-"));
-    const auto pixels = picture(files->path(), 96, 64);
+    std::vector<std::filesystem::path> files; // a picture and its counts: the second frame drew nothing
+    for (const auto& file : std::filesystem::directory_iterator(folder)) {
+        files.push_back(file.path());
+    }
+    ASSERT_EQ(files.size(), 2u);
+    const auto& pngFile = files[files[0].extension() == ".png" ? 0 : 1];
+    ASSERT_THAT(pngFile.filename(), testing::StartsWith("frame-0-context-"));
+    const auto pixels = picture(pngFile, 96, 64);
     const auto at = [&](size_t x, size_t y) { return pixels[y * 96 + x]; };
     const auto nothing = at(40, 10);
     EXPECT_EQ(at(31, 0), at(0, 63));
@@ -223,6 +229,17 @@ TEST_F(ShadingRate, IsShownWhereItWasDrawn) {
     EXPECT_NE(at(32, 32), nothing);
     EXPECT_NE(at(32, 32), at(0, 0));
     EXPECT_EQ(at(70, 40), nothing);
+    Json::Value counts;
+    std::ifstream(std::filesystem::path(pngFile).replace_extension(".json")) >> counts;
+    EXPECT_EQ(counts["undrawn"].asInt64(), std::count(pixels.begin(), pixels.end(), nothing));
+    const auto finest = std::count(pixels.begin(), pixels.end(), at(0, 0));
+    const auto coarse = std::count(pixels.begin(), pixels.end(), at(32, 32));
+    int64_t told = 0;
+    for (const Json::Value& count : counts["pixels"]) {
+        told += count.asInt64();
+    }
+    EXPECT_EQ(told, finest + coarse);
+    EXPECT_GT(counts["saved"].asDouble(), 0);
 }
 
 // Catches a rate image that is not looked at, or upside down.
