@@ -9,16 +9,20 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <fcntl.h>
 #include <filesystem>
 #include <string>
+#include <string_view>
 #include <unistd.h>
 
 namespace fuzz {
 
-/** A private system root, which is where every file of a device is looked for. */
+/** A private system root, which is where every file of a device is looked for. In memory where there is such a place. */
 class Root {
 public:
-    Root() : mPath(std::filesystem::temp_directory_path() / ("orvel-fuzz-" + std::to_string(getpid()))) {
+    Root()
+        : mPath((access("/dev/shm", W_OK) == 0 ? "/dev/shm/orvel-fuzz-" : "/tmp/orvel-fuzz-") +
+                std::to_string(getpid())) {
         std::filesystem::create_directories(mPath);
         setenv("ORVEL_ROOT", mPath.c_str(), 1);
     }
@@ -27,17 +31,20 @@ public:
     Root& operator=(const Root&) = delete;
 
     /** Writes a file in place. */
-    void write(const std::string& path, const std::string& bytes) const {
-        const std::filesystem::path full(mPath.string() + path);
-        std::filesystem::create_directories(full.parent_path());
-        if (std::FILE* file = std::fopen(full.c_str(), "wb")) {
-            std::fwrite(bytes.data(), 1, bytes.size(), file);
-            std::fclose(file);
+    void write(const std::string& path, std::string_view bytes) const {
+        const std::string full = mPath + path;
+        int file = open(full.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
+        if (file < 0) {
+            std::filesystem::create_directories(std::filesystem::path(full).parent_path());
+            file = open(full.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
+        }
+        if (::write(file, bytes.data(), bytes.size()) != static_cast<ssize_t>(bytes.size()) || close(file) != 0) {
+            std::abort();
         }
     }
 
 private:
-    const std::filesystem::path mPath;
+    const std::string mPath;
 };
 
 /** The root of this process; goes when it ends. */

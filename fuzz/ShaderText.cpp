@@ -27,7 +27,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const std::string to = input.ConsumeRandomLengthString(from.size());
     std::string source = input.ConsumeRemainingBytesAsString();
     source.push_back('\0');
-    if (to.size() <= from.size()) {
+    if (std::strlen(to.c_str()) <= std::strlen(from.c_str())) { // else the caller owns room for more
         android::replaceShader(source.data(), from.c_str(), to.c_str());
     }
     return 0;
