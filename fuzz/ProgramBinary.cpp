@@ -6,10 +6,22 @@
 #include "next/OrvelNext.h"
 #include "next/effects/OrvelLutEffect.h"
 
+#include <algorithm>
+#include <cstring>
+
 namespace {
 
 const uint8_t* sFile;
 size_t sSize;
+
+/** Knows the format that the file names. */
+void GL_APIENTRY answerFormat(GLenum name, GLint* value) {
+    if (name == GL_NUM_PROGRAM_BINARY_FORMATS) {
+        *value = 1;
+    } else if (name == GL_PROGRAM_BINARY_FORMATS) {
+        std::memcpy(value, sFile + 4, sizeof *value);
+    }
+}
 
 /** What the driver is given must lie in the file. */
 void GL_APIENTRY takeBinary(GLuint, GLenum, const void* binary, GLsizei length) {
@@ -25,6 +37,7 @@ extern "C" int LLVMFuzzerInitialize(int*, char***) {
     static android::egl_connection_t connection{};
     static android::gl_hooks_t gles2{};
     connectNullDriver(connection, gles2);
+    gles2.gl.glGetIntegerv = answerFormat;
     gles2.gl.glProgramBinary = takeBinary;
     gles2.gl.glCreateProgram = [] { return 1u; };
     android::orvel::next::InitNextFunctions(&connection);

@@ -49,10 +49,21 @@ bool pack(const std::filesystem::path& path) {
         return false;
     }
     const std::string file = packed(effect.GetProgram().GetProgram());
-    std::ofstream stream(path, std::ios::binary);
-    stream << file;
-    if (file.empty() || !stream.flush()) {
-        std::fprintf(stderr, "%s: %s\n", path.c_str(), file.empty() ? "the driver gives no binary" : "cannot write");
+    if (file.empty()) {
+        std::fprintf(stderr, "%s: the driver gives no binary\n", path.c_str());
+        return false;
+    }
+    // Written beside: an older file stays until the new one is whole.
+    const std::filesystem::path beside = path.string() + ".new";
+    std::error_code error;
+    if (std::ofstream stream(beside, std::ios::binary); stream << file && stream.flush()) {
+        std::filesystem::rename(beside, path, error);
+    } else {
+        error = std::make_error_code(std::errc::io_error);
+    }
+    if (error) {
+        std::fprintf(stderr, "%s: cannot write\n", path.c_str());
+        std::filesystem::remove(beside, error);
         return false;
     }
     std::printf("%s: %zu bytes\n", path.c_str(), file.size());

@@ -28,16 +28,19 @@ OrvelEffectModuleData::OrvelEffectModuleData(const Json::Value& json) : OrvelPro
 }
 
 bool OrvelEffectModuleData::ReadBinary(const Json::Value& json) {
-    const std::string text = configText(json, kBinaryKey).value_or("");
-    mBinaryParts = splitText(text, ";");
+    const std::optional<std::string> text = configText(json, kBinaryKey);
+    if (!text) {
+        return false;
+    }
+    mBinaryParts = splitText(*text, ";");
     if (mBinaryParts.size() < kSwitches) {
-        logMalformed(kBinaryKey, text);
+        logMalformed(kBinaryKey, *text);
         return false;
     }
     for (size_t i = 0; i < mBinaryParts.size() && i <= kSwitches; ++i) {
         const std::optional<int32_t> number = parseInt(mBinaryParts[i]);
         if (!number) {
-            logMalformed(kBinaryKey, text);
+            logMalformed(kBinaryKey, *text);
             return false;
         }
         if (i < kSwitches) {

@@ -5,14 +5,32 @@
 #include "app/OrvelModuleBase.h"
 #include "app/OrvelProcessorDataBase.h"
 #include "app/OrvelSwapHooks.h"
+#include "base/OrvelGuard.h"
+#include "base/OrvelLog.h"
 #include "next/effects/OrvelVisualEffectManager.h"
 #include "settings/OrvelSettings.h"
 
 #include <algorithm>
+#include <exception>
 
 namespace android::orvel::app {
 
 using module::OrvelModuleBase;
+
+namespace {
+
+/** Calls one operation of all modules, in order; also of those behind one that fails. */
+void callEach(const std::vector<OrvelModuleBase*>& modules, void (OrvelModuleBase::*operation)()) {
+    for (OrvelModuleBase* each : modules) {
+        try {
+            (each->*operation)();
+        } catch (const std::exception& error) {
+            ORVEL_LOGE("end of frame of module %u failed: %s", each->GetModuleId(), error.what());
+        }
+    }
+}
+
+} // namespace
 
 void OrvelProcessorBase::OnBegin() {
     for (const uint32_t id : OrvelSettings::getInstance().getProcessorData().GetModuleIds()) {
@@ -31,9 +49,7 @@ void OrvelProcessorBase::OnBegin() {
 void OrvelProcessorBase::OnEnd() { UnRegisterModules(); }
 
 void OrvelProcessorBase::FrameEnd() {
-    for (OrvelModuleBase* each : mModules) {
-        each->FrameEnd();
-    }
+    callEach(mModules, &OrvelModuleBase::FrameEnd);
     auto& contexts = OrvelContextManager::GetInstance();
     if (mIsMainRenderContext && contexts.CheckMainRenderContextByPipelineInfo()) {
         contexts.UpdateMainRenderContextByPipelineInfo();
@@ -42,14 +58,12 @@ void OrvelProcessorBase::FrameEnd() {
         if (!mEffectManager->IsLoadResourceEnabled() && EnableEffectManagerLoadResource()) {
             mEffectManager->EnableLoadResource();
         }
-        mEffectManager->FrameEnd();
+        guarded("end of frame of effects", [this] { mEffectManager->FrameEnd(); });
     }
 }
 
 void OrvelProcessorBase::PostFrameEnd() {
-    for (OrvelModuleBase* each : mModules) {
-        each->PostFrameEnd();
-    }
+    callEach(mModules, &OrvelModuleBase::PostFrameEnd);
     ++mFrameId;
 }
 

@@ -35,7 +35,7 @@ public:
     virtual void OnBegin();
     /** Releases all modules. The effect manager stays: the subclass deletes it. */
     virtual void OnEnd();
-    /** Before the driver's swap. */
+    /** Before the driver's swap: all modules, then the effect manager. What one of them throws ends in the log. */
     virtual void FrameEnd();
     /** After the driver's swap. */
     virtual void PostFrameEnd();

@@ -1,5 +1,6 @@
 #include "app/OrvelProcessorDataBase.h"
 
+#include "app/ConfigNumber.h"
 #include "app/ConfigText.h"
 #include "app/OrvelApplicationUtils.h"
 #include "app/OrvelProcessorModuleDataBase.h"
@@ -11,7 +12,6 @@
 
 #include <algorithm>
 #include <optional>
-#include <stdexcept>
 #include <unordered_set>
 #include <utility>
 
@@ -21,25 +21,9 @@ namespace {
 
 constexpr char kBaseInfoKey[] = "xrender_BaseInfo";
 constexpr char kCheckMainInfoKey[] = "xrender_CheckMainInfo";
-constexpr char kPayloadDataKey[] = "xrender_PayloadData";
 
 constexpr uint32_t kModuleBits = 30; // the mask's bits above these name no module
 constexpr int32_t kByThreadName = 1; // value of mainContextMode
-
-/** Runs a conversion of the standard library; what it throws then says which key's text was no number. */
-template <typename Convert>
-auto numberOf(const char* key, const std::string& text, Convert convert) {
-    const auto problem = [&](const char* what) {
-        return '"' + std::string(key) + "\" is " + what + ": \"" + text + '"';
-    };
-    try {
-        return convert(text);
-    } catch (const std::out_of_range&) {
-        throw std::out_of_range(problem("out of range"));
-    } catch (const std::invalid_argument&) {
-        throw std::invalid_argument(problem("no number"));
-    }
-}
 
 std::string listOf(const std::vector<uint32_t>& ids) {
     std::string list;
@@ -93,7 +77,7 @@ void OrvelProcessorDataBase::CheckExtensionFunctions(std::function<bool(const st
 void OrvelProcessorDataBase::InitProcessorConfigData(const Json::Value& json) {
     if (const auto text = configText(json, kBaseInfoKey); text && !text->empty()) {
         baseInfo |=
-            numberOf(kBaseInfoKey, *text, [](const std::string& mask) { return std::stoull(mask, nullptr, 10); });
+            configNumber(kBaseInfoKey, *text, [](const std::string& mask) { return std::stoull(mask, nullptr, 10); });
     }
     if (baseInfo == 0) {
         return; // not a target of the framework
@@ -126,8 +110,8 @@ void OrvelProcessorDataBase::InitMainContext(const std::string& text) {
     if (fields.empty()) {
         return;
     }
-    mainContextMode =
-        numberOf(kCheckMainInfoKey, fields[0], [](const std::string& mode) { return std::stoi(mode, nullptr, 10); });
+    mainContextMode = configNumber(kCheckMainInfoKey, fields[0],
+                                   [](const std::string& mode) { return std::stoi(mode, nullptr, 10); });
     if (fields.size() > 1) {
         mainThreadName = fields[1];
     } else if (mainContextMode == kByThreadName) {

@@ -80,6 +80,8 @@ public:
     std::string mainThreadName;  // regular expression
 
 protected:
+    static constexpr char kPayloadDataKey[] = "xrender_PayloadData";
+
     // Under mMutex.
     std::vector<uint32_t> moduleIds;                                                // one bit each, ascending
     std::unordered_map<uint32_t, module::OrvelProcessorModuleDataBase*> moduleData; // owned

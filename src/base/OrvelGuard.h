@@ -7,7 +7,7 @@
 
 namespace android::orvel {
 
-/** Runs work; what it throws ends in the log. Not for the draw path, where nothing throws. */
+/** Runs work; what it throws ends in the log. On the draw path only for draws of our own; hooks throw nothing. */
 template <typename Work>
 void guarded(const char* what, Work&& work) {
     try {

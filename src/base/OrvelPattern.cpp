@@ -4,12 +4,28 @@
 #include "base/OrvelParse.h"
 
 #include <exception>
+#include <limits>
+#include <locale>
 
 namespace android::orvel {
 
 namespace {
 
-constexpr size_t kShortText = 256; // characters; about 100 bytes of stack each
+constexpr size_t kLongestPattern = 1024; // characters; compiling recurses for each of them
+constexpr size_t kShortText = 64;        // characters; with back-references, each may double the time
+
+void logBad(const std::string& pattern, const char* why) {
+    ORVEL_LOGE("bad pattern \"%s\": %s", oneLine(pattern).c_str(), why);
+}
+
+/** The library's matchers share a locale that fills in what it knows of characters without a lock: let it know all. */
+void prepareLocale() {
+    const auto& characters = std::use_facet<std::ctype<char>>(std::locale());
+    characters.widen('_');
+    for (int each = 1; each <= std::numeric_limits<unsigned char>::max(); ++each) {
+        characters.narrow(static_cast<char>(each), '\0');
+    }
+}
 
 /** What makes the library's matcher walk all ways at once instead of one after the other, where it can. */
 constexpr auto kNoRecursion =
@@ -22,6 +38,11 @@ constexpr auto kNoRecursion =
 } // namespace
 
 OrvelPattern::OrvelPattern(const std::string& pattern) : mPieces(pattern) {
+    if (pattern.size() > kLongestPattern) {
+        logBad(pattern, "too long");
+        return;
+    }
+    [[maybe_unused]] static const bool isLocalePrepared = (prepareLocale(), true); // before any thread matches
     try {
         mRegex.emplace(pattern, kNoRecursion);
         return;
@@ -31,7 +52,7 @@ OrvelPattern::OrvelPattern(const std::string& pattern) : mPieces(pattern) {
         mRegex.emplace(pattern, std::regex_constants::ECMAScript);
         mShortTextsOnly = true;
     } catch (const std::regex_error& error) {
-        ORVEL_LOGE("bad pattern \"%s\": %s", oneLine(pattern).c_str(), error.what());
+        logBad(pattern, error.what());
     }
 }
 

@@ -20,7 +20,7 @@ namespace android::orvel {
  */
 class OrvelPattern {
 public:
-    /** A pattern that does not compile is logged and matches nothing. */
+    /** A pattern that does not compile or has more than 1,024 characters is logged and matches nothing. */
     explicit OrvelPattern(const std::string& pattern);
 
     bool isValid() const { return mRegex.has_value(); }

@@ -14,7 +14,7 @@ struct Atom {
     char character; // of a literal
 };
 
-/** @return the length of the class that rest begins with; 0 if it is none or has classes of its own inside */
+/** @return the length of the class that rest begins with; 0 if it is none or its end takes a matcher to find */
 size_t classLength(std::string_view rest) {
     for (size_t i = 1; i < rest.size() && rest[i] != '['; ++i) {
         if (rest[i] == ']') {
@@ -22,6 +22,9 @@ size_t classLength(std::string_view rest) {
         }
         if (rest[i] == '\\') {
             ++i;
+            if (i < rest.size() && rest[i] == 'c') { // a control character, made of the next one, "]" too
+                return 0;
+            }
         }
     }
     return 0;

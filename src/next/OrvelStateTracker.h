@@ -4,7 +4,9 @@
 #include "next/OrvelNext.h"
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
+#include <memory_resource>
 #include <unordered_map>
 #include <vector>
 
@@ -16,6 +18,8 @@ namespace android::orvel::next {
  *
  * Restoring runs in storing order, first to last. Store a kind once and before changing it: a second store of the
  * same kind replaces the saved value. Belongs to the thread that made it. All calls go to the saved driver table.
+ *
+ * A usual step asks for no memory: its records lie in the tracker itself, and only what has no room goes to the heap.
  */
 class OrvelStateTracker {
 public:
@@ -111,6 +115,7 @@ private:
     void RestoreVertexArrayBinding(uint32_t position);
 
     static const std::array<RestoreOperation, STATE_KIND_COUNT> kRestoreOperations;
+    static constexpr size_t kRoom = 1024; // bytes; a list of 32 records, and eight capabilities in both maps
 
     const bool autoRestore;
     GLint activeTexture = GL_TEXTURE0;
@@ -127,9 +132,11 @@ private:
     GLint arrayBufferBinding = 0;
     GLint elementArrayBufferBinding = 0;
     GLint vertexArrayBinding = 0;
-    std::unordered_map<uint32_t, bool> capEnabled;
-    std::unordered_map<uint32_t, uint32_t> listIndexToCap;
-    std::vector<uint32_t> records;
+    alignas(std::max_align_t) std::array<std::byte, kRoom> room;
+    std::pmr::monotonic_buffer_resource memory{room.data(), room.size()}; // gives nothing back: a tracker ends soon
+    std::pmr::unordered_map<uint32_t, bool> capEnabled{&memory};
+    std::pmr::unordered_map<uint32_t, uint32_t> listIndexToCap{&memory};
+    std::pmr::vector<uint32_t> records{&memory};
 };
 
 } // namespace android::orvel::next

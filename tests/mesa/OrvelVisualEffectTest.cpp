@@ -12,7 +12,7 @@
 
 #include <algorithm>
 #include <cmath>
-#include <fstream>
+#include <filesystem>
 #include <memory>
 
 using namespace android;
@@ -210,6 +210,10 @@ void setOddState() {
     glDepthFunc(GL_GEQUAL);
     glStencilFuncSeparate(GL_FRONT, GL_LEQUAL, 3, 0x5A);
     glStencilOpSeparate(GL_BACK, GL_INVERT, GL_INCR, GL_DECR_WRAP);
+    const char* text = "#version 310 es\nvoid main() { gl_Position = vec4(0.0); }\n";
+    glUseProgram(glCreateShaderProgramv(GL_VERTEX_SHADER, 1, &text));
+    glGenFramebuffers(1, names);
+    glBindFramebuffer(GL_READ_FRAMEBUFFER, names[0]);
     glScissor(1, 2, 30, 40);
     glViewport(5, 6, 70, 80);
 }
@@ -371,25 +375,35 @@ TEST_F(EffectsOnMesa, BinariesAreUsedWhenTheyCanBe) {
     const auto bytes = static_cast<uint32_t>(length);
     std::string damaged = binary;
     damaged[damaged.size() / 2] ^= 0x55;
+    constexpr uintmax_t kHuge = uintmax_t{1} << 40; // bytes, nearly all of them a hole
     struct File {
         const char* what;
         std::string content;
         bool used;
+        uintmax_t size = 0; // unless it is the content's
     };
-    for (const auto& [what, content, used] : {File{"fine", file(bytes, format, binary), true},
-                                              {"more behind it", file(bytes, format, binary + "more"), true},
-                                              {"damaged", file(bytes, format, damaged), false},
-                                              {"truncated", file(bytes, format, binary.substr(0, 100)), false},
-                                              {"short", file(100, format, binary), false},
-                                              {"too long", file(0x7FFFFFFF, format, binary), false},
-                                              {"negative", file(0x80000000, format, binary), false},
-                                              {"none", file(0, format, binary), false},
-                                              {"other format", file(bytes, format + 1, binary), false},
-                                              {"half a header", "1234567", false},
-                                              {"empty", "", false}}) {
+    const std::string path = android::orvel::systemPath("/vendor/odm/etc/game/effect/file.bin");
+    for (const auto& [what, content, used, size] : {File{"fine", file(bytes, format, binary), true},
+                                                    {"more behind it", file(bytes, format, binary + "more"), true},
+                                                    {"damaged", file(bytes, format, damaged), false},
+                                                    {"truncated", file(bytes, format, binary.substr(0, 100)), false},
+                                                    {"short", file(100, format, binary), false},
+                                                    {"too long", file(0x7FFFFFFF, format, binary), false},
+                                                    {"negative", file(0x80000000, format, binary), false},
+                                                    {"none", file(0, format, binary), false},
+                                                    {"other format", file(bytes, format + 1, binary), false},
+                                                    {"huge file", file(bytes, format, binary), true, kHuge},
+                                                    {"huge binary", file(0x7FFFFFFF, format, binary), false, kHuge},
+                                                    {"half a header", "1234567", false},
+                                                    {"empty", "", false}}) {
         mGame->writeResource("file.bin", content);
+        if (size != 0) {
+            std::filesystem::resize_file(path, size);
+        }
+        const StateDump before = StateDump::take();
         OrvelGreenEffect effect(true);
-        effect.Init(android::orvel::systemPath("/vendor/odm/etc/game/effect/file.bin"));
+        effect.Init(path);
+        EXPECT_SAME_STATE(before) << what;
         EXPECT_TRUE(effect.IsValid()) << what;
         EXPECT_EQ(effect.GetProgram().GetUniformLocation("lutTex") != -1, used) << what;
     }
@@ -449,10 +463,31 @@ TEST_F(EffectsOnMesa, EndLeavesOtherContextsAlone) {
     }
     EXPECT_SAME_STATE(before);
     use(own);
-    mManager = std::make_unique<OrvelVisualEffectManager>();
-    EffectGame::load(*mManager);
-    use(EGL_NO_CONTEXT);
-    mManager.reset();
     eglDestroyContext(display, other);
-    use(own);
+}
+
+// Catches objects that stay in the context when their manager goes.
+TEST_F(EffectsOnMesa, EndTakesTheirObjectsAlong) {
+    load(kLut);
+    const auto objects = [] {
+        std::array<int, 5> counts{};
+        for (GLuint name = 1; name < 200; ++name) {
+            size_t kind = 0;
+            for (const auto is : {glIsTexture, glIsBuffer, glIsVertexArray, glIsProgram, glIsShader}) {
+                counts[kind++] += is(name);
+            }
+        }
+        return counts;
+    };
+    const auto game = objects();
+    const StateDump before = StateDump::take();
+    EffectGame::load(*mManager);
+    render();
+    const auto loaded = objects();
+    for (size_t kind = 0; kind < 4; ++kind) {
+        EXPECT_GT(loaded[kind], game[kind]) << kind;
+    }
+    mManager.reset();
+    EXPECT_EQ(objects(), game);
+    EXPECT_SAME_STATE(before);
 }

@@ -29,5 +29,16 @@ void* operator new(size_t size) {
     throw std::bad_alloc();
 }
 
+void* operator new(size_t size, std::align_val_t alignment) {
+    ++sAllocations;
+    const auto step = static_cast<size_t>(alignment);
+    if (void* memory = std::aligned_alloc(step, (size + step - 1) / step * step)) {
+        return memory;
+    }
+    throw std::bad_alloc();
+}
+
 void operator delete(void* memory) noexcept { std::free(memory); }
 void operator delete(void* memory, size_t) noexcept { std::free(memory); }
+void operator delete(void* memory, std::align_val_t) noexcept { std::free(memory); }
+void operator delete(void* memory, size_t, std::align_val_t) noexcept { std::free(memory); }

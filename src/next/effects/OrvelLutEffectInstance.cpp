@@ -64,6 +64,7 @@ void OrvelLutEffectInstance::Tick(OrvelStateTracker& tracker) {
     tracker.StoreTextureBinding2D();
     gl.glActiveTexture(mTextureUnit);
     // The game's sampler would go before our texture's own filters.
+    mGamesSampler = 0; // a driver without samplers answers nothing
     gl.glGetIntegerv(GL_SAMPLER_BINDING, &mGamesSampler);
     if (mGamesSampler != 0) {
         gl.glBindSampler(mTextureUnit - GL_TEXTURE0, 0);

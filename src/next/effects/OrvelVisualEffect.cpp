@@ -3,6 +3,13 @@
 #include "next/OrvelNext.h"
 
 #include <android-base/file.h>
+#include <android-base/unique_fd.h>
+
+#include <algorithm>
+#include <array>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <vector>
 
 namespace android::orvel::next {
 
@@ -36,15 +43,48 @@ vec4 darkEdge(vec4 inside) {
 
 )";
 
-// A program binary's file: bytes of the binary and its format, 32 bits each with the lowest byte first, the binary.
-constexpr size_t kBinaryHeader = 8;
-
-uint32_t numberAt(const std::string& file, size_t offset) {
-    uint32_t number = 0;
-    for (size_t i = 0; i < sizeof number; ++i) {
-        number |= uint32_t{static_cast<uint8_t>(file[offset + i])} << (8 * i);
+/** A program binary's file: bytes of the binary and its format, 32 bits each with the lowest byte first, the binary. */
+class BinaryFile {
+public:
+    /** @return whether the file holds what it says it does */
+    bool Read(const std::string& path) {
+        const base::unique_fd file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
+        struct stat info {};
+        std::array<uint8_t, 8> header;
+        if (file < 0 || fstat(file, &info) != 0 || !base::ReadFully(file, header.data(), header.size())) {
+            return false;
+        }
+        const auto length = static_cast<int32_t>(NumberAt(&header[0]));
+        if (length < 1 || length > kMaxLength || length > info.st_size - static_cast<off_t>(header.size())) {
+            return false;
+        }
+        mFormat = NumberAt(&header[4]);
+        mBinary.resize(static_cast<size_t>(length));
+        return base::ReadFully(file, mBinary.data(), mBinary.size());
     }
-    return number;
+    GLenum Format() const { return mFormat; }
+    std::vector<uint8_t>& Binary() { return mBinary; }
+
+private:
+    static constexpr int32_t kMaxLength = 16 << 20; // bytes; more than any of our programs, not too much for a game
+
+    static uint32_t NumberAt(const uint8_t* at) {
+        return uint32_t{at[0]} | uint32_t{at[1]} << 8 | uint32_t{at[2]} << 16 | uint32_t{at[3]} << 24;
+    }
+
+    GLenum mFormat = 0;
+    std::vector<uint8_t> mBinary;
+};
+
+/** @return whether the driver takes binaries of that format; to offer others would leave an error with the game */
+bool isKnownFormat(GLenum format) {
+    GLint count = 0;
+    gl.glGetIntegerv(GL_NUM_PROGRAM_BINARY_FORMATS, &count);
+    std::vector<GLint> formats(static_cast<size_t>(std::max(count, 0)));
+    if (!formats.empty()) {
+        gl.glGetIntegerv(GL_PROGRAM_BINARY_FORMATS, formats.data());
+    }
+    return std::find(formats.begin(), formats.end(), static_cast<GLint>(format)) != formats.end();
 }
 
 } // namespace
@@ -73,13 +113,11 @@ void OrvelVisualEffect::CreateFromShaderSource() {
 }
 
 void OrvelVisualEffect::CreateFromBinarySource(const std::string& path) {
-    std::string file;
-    if (base::ReadFileToString(path, &file, /*follow_symlinks=*/true) && file.size() > kBinaryHeader) {
-        const auto length = static_cast<int32_t>(numberAt(file, 0));
-        const bool whole = length >= 1 && static_cast<size_t>(length) <= file.size() - kBinaryHeader;
-        if (whole && mProgram.CreateFromBinarySource(&file[kBinaryHeader], numberAt(file, 4), length)) {
-            return;
-        }
+    BinaryFile file;
+    if (file.Read(path) && isKnownFormat(file.Format()) &&
+        mProgram.CreateFromBinarySource(file.Binary().data(), file.Format(),
+                                        static_cast<GLsizei>(file.Binary().size()))) {
+        return;
     }
     CreateFromShaderSource();
 }

@@ -153,9 +153,9 @@ void OrvelVisualEffectManager::FollowFilterType() {
 void OrvelVisualEffectManager::LoadNext() {
     // An index moves on first: what throws is not tried again.
     if (mVaoPending) {
+        OrvelStateTracker saved(/*autoRestore=*/true);
         mVaoPending = false;
         mContext = platform.eglGetCurrentContext();
-        OrvelStateTracker saved(/*autoRestore=*/true);
         saved.StoreVertexArrayBinding();
         gl.glGenVertexArrays(1, &mVao);
         gl.glBindVertexArray(mVao);
@@ -235,11 +235,20 @@ OrvelTexture2D* OrvelVisualEffectManager::GetPNGTexture(int width, int height, G
     if (const auto cached = mPngCache.find(image); cached != mPngCache.end()) {
         return cached->second.get();
     }
-    std::unique_ptr<OrvelTexture2D> texture(CreateTexture2D(internalFormat, width, height));
-    if (!texture) {
+    // Asked beforehand: a size that the driver refuses would leave an error in the game's context.
+    GLint maxSize = 0;
+    gl.glGetIntegerv(GL_MAX_TEXTURE_SIZE, &maxSize);
+    if (width > maxSize || height > maxSize) {
         return nullptr;
     }
+    std::unique_ptr<OrvelTexture2D> texture(CreateTexture2D(internalFormat, width, height));
     texture->Bind();
+    GLint hasStorage = 0;
+    gl.glGetTexParameteriv(GL_TEXTURE_2D, GL_TEXTURE_IMMUTABLE_FORMAT, &hasStorage);
+    if (!hasStorage) {
+        texture->UnBind();
+        return nullptr;
+    }
     texture->SetMinFilter(GL_LINEAR).SetMagFilter(GL_LINEAR).SetWrapS(GL_CLAMP_TO_EDGE).SetWrapT(GL_CLAMP_TO_EDGE);
     texture->UnBind();
     return (mPngCache[image] = std::move(texture)).get();

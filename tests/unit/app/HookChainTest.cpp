@@ -1,3 +1,4 @@
+#include "LogCapture.h"
 #include "TestProcessor.h"
 
 #include "app/OrvelSwapHooks.h"
@@ -114,7 +115,7 @@ TEST(HookChain, ModulesRunInOrderAroundTheDriver) {
 }
 
 // Catches a frame's end on the wrong side of the swap, a frame counted at the wrong time, a result that is not the
-// driver's, and what a module throws reaching the game.
+// driver's, and what a module throws reaching the game or another module.
 TEST(SwapHooks, FrameEndsAroundTheSwap) {
     const auto driver = RecordingDriver::installed();
     EGLBoolean answer = EGL_TRUE;
@@ -142,9 +143,17 @@ TEST(SwapHooks, FrameEndsAroundTheSwap) {
     struct Throwing : TestModule {
         using TestModule::TestModule;
         void FrameEnd() override { throw std::runtime_error("broken"); }
+        void PostFrameEnd() override { throw std::runtime_error("broken after the swap"); }
     };
     processor->RegisterModule(new Throwing(processor.get(), 4));
+    processor->RegisterModule(new TestModule(processor.get(), 8));
+    takeEvents();
+    const LogCapture log;
     EXPECT_NO_THROW(PlatSwapBuffersHooked(nullptr, nullptr));
+    EXPECT_THAT(takeEvents(), ElementsAre("1 frame 3", "2 frame 3", "8 frame 3", "swap", "1 after frame 3",
+                                          "2 after frame 3", "8 after frame 3"));
+    EXPECT_THAT(log.texts(ANDROID_LOG_ERROR), ElementsAre("end of frame of module 4 failed: broken",
+                                                          "end of frame of module 4 failed: broken after the swap"));
     EXPECT_EQ(processor->GetCurrentFrameId(), 4u);
     processor->OnEnd();
 }

@@ -141,15 +141,24 @@ TEST(ProcessorConfiguration, FillsIdsAndMainContext) {
 // Catches a malformed number that is taken for none, or that leaves half a configuration behind.
 TEST(ProcessorConfiguration, IsEmptyAfterAMalformedNumber) {
     const TestRoot root;
-    orvel::OrvelSettings::getInstance().mApplicationType = APP_TYPE_BILI;
-    const char* const texts[][2] = {
-        {R"({"xrender_BaseInfo":"x"})", R"("xrender_BaseInfo" is no number: "x")"},
-        {R"({"xrender_BaseInfo":"99999999999999999999"})",
-         R"("xrender_BaseInfo" is out of range: "99999999999999999999")"},
-        {R"({"xrender_BaseInfo":"262144","xrender_CheckMainInfo":"main;x"})",
-         R"("xrender_CheckMainInfo" is no number: "main")"},
+    struct Malformed {
+        OrvelApplicationType type;
+        const char* keys;
+        const char* problem;
     };
-    for (const auto& [keys, problem] : texts) {
+    const Malformed rows[] = {
+        {APP_TYPE_BILI, R"({"xrender_BaseInfo":"x"})", R"("xrender_BaseInfo" is no number: "x")"},
+        {APP_TYPE_BILI, R"({"xrender_BaseInfo":"99999999999999999999"})",
+         R"("xrender_BaseInfo" is out of range: "99999999999999999999")"},
+        {APP_TYPE_BILI, R"({"xrender_BaseInfo":"262144","xrender_CheckMainInfo":"main;x"})",
+         R"("xrender_CheckMainInfo" is no number: "main")"},
+        {APP_TYPE_SGAME, R"({"xrender_BaseInfo":"1","xrender_PayloadData":"a#b#many"})",
+         R"("xrender_PayloadData" is no number: "many")"},
+        {APP_TYPE_SGAME, R"({"xrender_BaseInfo":"1","xrender_PayloadData":"a#b#99999999999"})",
+         R"("xrender_PayloadData" is out of range: "99999999999")"},
+    };
+    for (const auto& [type, keys, problem] : rows) {
+        orvel::OrvelSettings::getInstance().mApplicationType = type;
         LogCapture log;
         com::velmor::ravelo::OrvelPrefs prefs;
         prefs.readFromRavelo(std::string(R"({"configs":)") + keys + "}");

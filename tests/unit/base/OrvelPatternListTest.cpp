@@ -19,8 +19,8 @@ TEST(PatternList, FindsTheFirstMatch) {
     EXPECT_EQ(OrvelPatternList().find(""), OrvelPatternList::kNone);
 }
 
-// Catches a text that pays again, an answer that is another text's, and a memo that grows without end or keeps a text
-// of any length.
+// Catches a text that pays again, an answer that is another text's, and a memo that grows without end, forgets
+// when it is full, or keeps a text of any length.
 TEST(TextMemo, LooksUpOnce) {
     OrvelTextMemo memo;
     int lookUps = 0;
@@ -39,10 +39,15 @@ TEST(TextMemo, LooksUpOnce) {
     sizeOf(tooLong);
     EXPECT_EQ(sizeOf(tooLong), 257);
     EXPECT_EQ(lookUps, 4);
-    for (int i = 0; i < 5000; ++i) {
+    constexpr int kTexts = 20'000;
+    for (int i = 0; i < kTexts; ++i) {
         EXPECT_EQ(sizeOf(std::string(static_cast<size_t>(i % 200), 'y') + std::to_string(i)),
                   i % 200 + static_cast<int>(std::to_string(i).size()));
     }
+    EXPECT_EQ(lookUps, 4 + kTexts);
     EXPECT_EQ(sizeOf("one"), 3);
-    EXPECT_EQ(lookUps, 4 + 5000 + 1) << "forgotten for new ones, and looked up again";
+    EXPECT_EQ(sizeOf("yyy3"), 4);
+    EXPECT_EQ(lookUps, 4 + kTexts) << "forgotten for new ones";
+    EXPECT_EQ(sizeOf(std::string(199, 'y') + "19999"), 204);
+    EXPECT_EQ(lookUps, 4 + kTexts + 1) << "more than there is room for";
 }

@@ -17,6 +17,7 @@ TEST(Pattern, MatchesInFull) {
     EXPECT_FALSE(OrvelPattern("Main_color").matches("x_Main_color"));
     EXPECT_TRUE(OrvelPattern("").matches(""));
     EXPECT_TRUE(OrvelPattern("[^a]+").matches("\xff\xfe\n")) << "labels are any bytes";
+    EXPECT_TRUE(OrvelPattern(std::string(1024, 'a')).isValid());
     const OrvelPattern bad("(unclosed");
     EXPECT_FALSE(bad.isValid());
     EXPECT_FALSE(bad.matches("(unclosed"));
@@ -34,7 +35,11 @@ TEST(Pattern, StandsLongTextsOnSmallStacks) {
         EXPECT_FALSE(OrvelPattern("(a*)*b").matches(label.substr(0, 2000)));
         const OrvelPattern twice("(a.*)\\1");
         EXPECT_TRUE(twice.matches("ab ab "));
-        EXPECT_FALSE(twice.matches(label));
+        EXPECT_TRUE(twice.matches(label.substr(0, 64)));
+        EXPECT_FALSE(twice.matches(label.substr(0, 66))); // may take exponential time
+        const LogCapture log;                             // of the last one
+        EXPECT_FALSE(OrvelPattern(label).isValid());
+        EXPECT_THAT(log.texts(ANDROID_LOG_ERROR), ElementsAre(StartsWith("bad pattern \"aaa")));
         return nullptr;
     };
     pthread_t thread;
@@ -46,15 +51,16 @@ TEST(Pattern, StandsLongTextsOnSmallStacks) {
 // Catches a pattern whose literal pieces decide otherwise than a matcher would.
 TEST(Pattern, IsDecidedAsAMatcherDoes) {
     const char* const patterns[] = {
-        "",         "abc",     ".*",     ".*b.*",    "a.*c",          "a.*b.*c",  "a.c",     "ab*c",
-        "ab?c",     "a(b|x)c", "ab|c",   "^abc$",    "a[b.]c",        "a[^]]c",   "a\\.c",   "a\\dc",
-        "a.*?c",    "ab+?c",   "a{2}b",  "a{0,1}bc", "a[[:alpha:]]c", "(?=a).*",  "a\\x62c", "a\\bc",
-        ".*\\.png", "(a)\\1",  ".*abc",  "abc.*",    "a.*a",          "ab.*bc",   "a\\x2ec", "a\\\\c",
-        "\\Bb",     "a\\tc",   "a\\cJc", "a[\\]b]c", "a]c",           "a.{0,2}c", ".+",      "[]abc",
+        "",          "abc",     ".*",     ".*b.*",    "a.*c",          "a.*b.*c",  "a.c",     "ab*c",
+        "ab?c",      "a(b|x)c", "ab|c",   "^abc$",    "a[b.]c",        "a[^]]c",   "a\\.c",   "a\\dc",
+        "a.*?c",     "ab+?c",   "a{2}b",  "a{0,1}bc", "a[[:alpha:]]c", "(?=a).*",  "a\\x62c", "a\\bc",
+        ".*\\.png",  "(a)\\1",  ".*abc",  "abc.*",    "a.*a",          "ab.*bc",   "a\\x2ec", "a\\\\c",
+        "\\Bb",      "a\\tc",   "a\\cJc", "a[\\]b]c", "a]c",           "a.{0,2}c", ".+",      "[]abc",
+        "[\\c]x[y]", "a**",     "a*??",   "a\\rc",    "[^\\r]*",
     };
-    const char* const texts[] = {"",    "a",      "aa",    "aba",   "abc",   "abbc", "ac",    "a.c",  "axc",
-                                 "a7c", "abcabc", "xabcx", "aab",   "bc",    "ab",   "c",     "a\nc", "ab\nbc",
-                                 "\n",  "a]c",    "a\\c",  "abbbc", "x.png", "a\tc", "a\377c"};
+    const char* const texts[] = {"",       "a",     "aa",    "aba",  "abc",    "abbc", "ac",   "a.c",    "axc", "a7c",
+                                 "abcabc", "xabcx", "aab",   "bc",   "ab",     "c",    "a\nc", "ab\nbc", "\n",  "a]c",
+                                 "a\\c",   "abbbc", "x.png", "a\tc", "a\377c", "y",    "a\rc", "\r"};
     for (const char* pattern : patterns) {
         const LogCapture log; // of patterns that are none
         std::optional<std::regex> plain;

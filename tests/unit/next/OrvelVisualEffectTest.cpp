@@ -19,7 +19,7 @@ using testing::IsEmpty;
 
 namespace {
 
-constexpr GLint kGamesTexture = 5;
+constexpr GLint kGamesTexture = 5, kGamesProgram = 8, kGamesArray = 9;
 constexpr GLint kParam = 1; // location
 int sContext;
 
@@ -44,6 +44,8 @@ protected:
                 mMade += std::strstr(*text, mark) ? std::string(1, letter) : "";
             }
         });
+        mDriver->answer<&GlTable::glProgramBinary>(
+            [this](GLuint, GLenum format, const void*, GLsizei) { mMade += static_cast<char>(format); });
         mDriver->answer<&GlTable::glTexStorage2D>([this](GLenum, GLsizei, GLenum, GLsizei, GLsizei) { mMade += 'T'; });
         mDriver->answer<&GlTable::glMapBufferRange>([this](GLenum, GLintptr, GLsizeiptr size, GLbitfield) -> void* {
             mMade += 'I';
@@ -64,11 +66,20 @@ protected:
             });
         mDriver->answer<&GlTable::glGetUniformLocation>(
             [](GLuint, const GLchar* name) { return name[0] == 'p' ? kParam : 2; });
+        mDriver->answer<&GlTable::glGetTexParameteriv>([this](GLenum, GLenum, GLint* value) { *value = mHasStorage; });
         mDriver->answer<&GlTable::glGetIntegerv>([this](GLenum name, GLint* value) {
-            *value = name == GL_ACTIVE_TEXTURE       ? static_cast<GLint>(mActive)
-                     : name == GL_TEXTURE_BINDING_2D ? kGamesTexture
-                     : name == GL_SAMPLER_BINDING    ? mSampler
-                                                     : 0;
+            if (name == GL_PROGRAM_BINARY_FORMATS) {
+                std::copy(kFormats.begin(), kFormats.end(), value);
+                return;
+            }
+            *value = name == GL_ACTIVE_TEXTURE               ? static_cast<GLint>(mActive)
+                     : name == GL_TEXTURE_BINDING_2D         ? kGamesTexture
+                     : name == GL_SAMPLER_BINDING            ? mSampler
+                     : name == GL_CURRENT_PROGRAM            ? kGamesProgram
+                     : name == GL_VERTEX_ARRAY_BINDING       ? kGamesArray
+                     : name == GL_MAX_TEXTURE_SIZE           ? mMaxTextureSize
+                     : name == GL_NUM_PROGRAM_BINARY_FORMATS ? static_cast<GLint>(kFormats.size())
+                                                             : 0;
         });
         mDriver->answer<&GlTable::glUniform4fv>([this](GLint, GLsizei, const GLfloat* values) {
             mParams.push_back({values[0], values[1]});
@@ -78,6 +89,9 @@ protected:
         mGame = std::make_unique<EffectGame>(type, binary, types);
         for (const char* image : {"kelaiyinlan", "heijin", "jinqiu", "nuancheng", "saibopengke", "lengqing"}) {
             mGame->writeResource(std::string(image) + ".png", pngFile(4, 4));
+        }
+        for (const auto& [file, format] : {std::pair{"lut", 'l'}, {"oldbrown", 'b'}, {"nightgreen", 'g'}}) {
+            mGame->writeResource(std::string(file) + ".bin", {1, 0, 0, 0, format, 0, 0, 0, 'x'});
         }
         mManager = std::make_unique<OrvelVisualEffectManager>();
     }
@@ -106,35 +120,42 @@ protected:
         return mParams;
     }
 
+    static constexpr std::array<GLint, 3> kFormats{'l', 'b', 'g'}; // of program binaries
+
     std::unique_ptr<RecordingDriver> mDriver = RecordingDriver::installed();
     std::unique_ptr<EffectGame> mGame;
     std::unique_ptr<OrvelVisualEffectManager> mManager;
     GLuint mNames = 100;
     GLenum mActive = GL_TEXTURE0;
     GLint mSampler = 0;
+    GLint mMaxTextureSize = 4096;
+    GLint mHasStorage = GL_TRUE;
     EGLContext mCurrent = &sContext;
     std::string mMade;
     std::vector<char> mMapped;
     std::vector<std::pair<float, float>> mParams; // x and y of "param"
 };
 
-/** What is made frame by frame after loading was enabled. */
+/** What is made frame by frame after loading was enabled; a small letter is a program made of a binary. */
 struct Timeline {
     OrvelApplicationType game;
     const char* types;
     std::vector<std::string> made;
+    const char* binary = "0;0;0;1";
 };
 
-void PrintTo(const Timeline& timeline, std::ostream* out) { *out << timeline.game << ": " << timeline.types; }
+void PrintTo(const Timeline& timeline, std::ostream* out) {
+    *out << timeline.game << ": " << timeline.types << ", " << timeline.binary;
+}
 
 class Loading : public Effects, public testing::WithParamInterface<Timeline> {};
 
 } // namespace
 
-// Catches a frame that loads more than one object, another order, images that do not share their texture, and a filter
-// that is drawn before everything is there.
+// Catches a frame that loads more than one object, another order, a switch or a file of another effect, images that do
+// not share their texture, and a filter that is drawn before everything is there.
 TEST_P(Loading, MakesOneObjectPerFrame) {
-    makeGame(GetParam().game, GetParam().types);
+    makeGame(GetParam().game, GetParam().types, GetParam().binary);
     EffectGame::choose(1);
     EXPECT_EQ(frame(), ""); // not enabled yet
     mManager->EnableLoadResource();
@@ -151,7 +172,30 @@ INSTANTIATE_TEST_SUITE_P(
     testing::Values(
         Timeline{APP_TYPE_SGAME, "1;2;4;5;7;8", {"V", "L", "B", "G", "", "", "TI", "I", "I", "I", ""}},
         Timeline{APP_TYPE_PUBG, "1;2;3;6;7", {"V", "L", "B", "G", "", "", "TI", "I", "I", ""}},
-        Timeline{APP_TYPE_PUBG, "1;1;3;3;4;4", {"V", "L", "B", "G", "", "", "TI", "I", "", "", ""}})); // 4: no image
+        Timeline{APP_TYPE_PUBG, "1;1;3;3;4;4", {"V", "L", "B", "G", "", "", "TI", "I", "", "", ""}}, // 4: no image
+        Timeline{APP_TYPE_PUBG, "1;1;1;1;1", {"V", "l", "B", "G", "", "", "", "", "", ""}, "1;0;0;1"},
+        Timeline{APP_TYPE_PUBG, "1;1;1;1;1", {"V", "L", "b", "G", "", "", "", "", "", ""}, "0;1;0;1"},
+        Timeline{APP_TYPE_PUBG, "1;1;1;1;1", {"V", "L", "B", "g", "", "", "", "", "", ""}, "0;0;1;1"}));
+
+// Catches an image that the driver has no texture for and that is used, and a failure that is kept for the next one.
+TEST_F(Effects, NeedATextureForTheirImage) {
+    makeGame(APP_TYPE_SGAME, "4;4;4;4;4");
+    const auto texture = [this] {
+        mMade.clear();
+        return mManager->GetPNGTexture(4, 4, GL_RGB8);
+    };
+    mMaxTextureSize = 2;
+    EXPECT_TRUE(!texture() && mMade == "") << "asked for a storage that the driver does not have: " << mMade;
+    EffectGame::choose(4);
+    EffectGame::load(*mManager);
+    EXPECT_FALSE(mManager->EnableRender());
+    mMaxTextureSize = 4;
+    mHasStorage = GL_FALSE; // no memory
+    EXPECT_TRUE(!texture() && mMade == "T");
+    mHasStorage = GL_TRUE;
+    EXPECT_TRUE(texture() && mMade == "T");
+    EXPECT_TRUE(texture() && mMade == "");
+}
 
 // Catches a choice that is lost while loading, followed before its time, or taken for a filter that there is not.
 TEST_F(Effects, FollowTheChosenType) {
@@ -220,14 +264,15 @@ TEST_F(Effects, DrawOnTheGamesStateAndPutItBack) {
     const auto unit = [](GLuint number) { return call("glActiveTexture", GL_TEXTURE0 + number); };
     const Calls begin{call("glUseProgram", 104)};
     const Calls drawn{call("glBindVertexArray", 101), call("glDrawArrays", GL_TRIANGLES, 0, 3)};
+    const Calls back{call("glUseProgram", kGamesProgram), call("glBindVertexArray", kGamesArray)};
     const GLuint lut = 111;
-    EXPECT_THAT(render(), ElementsAre(begin[0], unit(0), bind(lut), drawn[0], drawn[1], call("glUseProgram", 0),
-                                      call("glBindVertexArray", 0), unit(0), bind(kGamesTexture)));
+    EXPECT_THAT(render(), ElementsAre(begin[0], unit(0), bind(lut), drawn[0], drawn[1], back[0], back[1], unit(0),
+                                      bind(kGamesTexture)));
     mActive = GL_TEXTURE3;
     mSampler = 7;
     EXPECT_THAT(render(), ElementsAre(begin[0], unit(0), call("glBindSampler", 0, 0), bind(lut), drawn[0], drawn[1],
-                                      call("glBindSampler", 0, 7), bind(kGamesTexture), call("glUseProgram", 0),
-                                      call("glBindVertexArray", 0), unit(3), bind(kGamesTexture)));
+                                      call("glBindSampler", 0, 7), bind(kGamesTexture), back[0], back[1], unit(3),
+                                      bind(kGamesTexture)));
 }
 
 // Catches objects that are lost, deleted in another order, or deleted on another context, where their names are others'.

@@ -68,8 +68,7 @@ void OrvelPUBGProcessor::RegisterGlobalGLHooks(egl_connection_t* cnx) {
 }
 
 void OrvelPUBGProcessor::FrameEnd() {
-    // The module looks at this frame; a module that fails must not leave it to the next.
-    guarded("end of frame", [this] { OrvelProcessorBase::FrameEnd(); });
+    OrvelProcessorBase::FrameEnd(); // the module looks at this frame
     mSceneId = OrvelSettings::getInstance().getSceneId();
     // A blocking texture suppresses the next frame's filter, too: it is forgotten only behind this.
     mFilterAllowed =
@@ -138,7 +137,10 @@ void OrvelPUBGProcessor::NoteBindFramebuffer(GLuint framebuffer) {
     }
 }
 
-/** Counts a bind of the scene's framebuffer, unless it hit in the last frame. From 0 on the fourth and fifth hit. */
+/**
+ * Counts a bind of the scene's framebuffer, unless it hit in the last frame. Counted from 0, the fourth and the fifth
+ * bind hit.
+ */
 bool OrvelPUBGProcessor::IsSceneTargetHit() {
     if (mSceneTargetHitLast) {
         return true;

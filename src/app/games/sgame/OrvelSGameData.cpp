@@ -1,11 +1,10 @@
 #include "app/games/sgame/OrvelSGameData.h"
 
+#include "app/ConfigNumber.h"
 #include "app/games/sgame/OrvelSGameVRSModule.h"
 #include "app/games/shared/OrvelSharedVRSModules.h"
 #include "base/OrvelParse.h"
 
-#include <optional>
-#include <stdexcept>
 #include <string_view>
 #include <vector>
 
@@ -60,11 +59,8 @@ void OrvelSGameData::ParsePayloadData(const std::string& payload) {
         mClearProgramLabels.append(OrvelPatternList::split(sections[1]));
     }
     if (sections.size() > 2) {
-        const std::optional<int32_t> threshold = parseInt(sections[2]);
-        if (!threshold) {
-            throw std::invalid_argument("the draw-count threshold is no number: \"" + sections[2] + '"');
-        }
-        mDrawCountThreshold = *threshold;
+        mDrawCountThreshold = configNumber(kPayloadDataKey, sections[2],
+                                           [](const std::string& number) { return std::stoi(number, nullptr, 10); });
     }
 }
 

@@ -25,7 +25,7 @@ public:
     /**
      * Reads up to three sections separated by "#": labels as "SCENE:PATTERN|PATTERN;SCENE-UI:PATTERN", labels of clear
      * programs, the draw-count threshold. Without any "#" nothing is read. Malformed entries are skipped.
-     * @throw std::invalid_argument when the threshold is no number
+     * @throw std::invalid_argument, std::out_of_range when the threshold is no number
      */
     void ParsePayloadData(const std::string& payload) override;
 

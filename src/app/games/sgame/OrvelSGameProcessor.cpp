@@ -226,8 +226,7 @@ void OrvelSGameProcessor::FrameEnd() {
     mLobbyTextureSeen = mUITextureSeen = mHeroSelectTextureSeen = mBattleTextureSeen = false;
     mClearCount = 0;
     mDrawFlags = kDrawColors;
-    // A module that fails must not leave this frame's counts to the next.
-    guarded("end of frame", [this] { OrvelProcessorBase::FrameEnd(); });
+    OrvelProcessorBase::FrameEnd();
     if (!switched && sceneChanged) { // a change that came together with a switch is never applied, on purpose
         UpdateSceneStatus();
     }

@@ -187,7 +187,8 @@ private:
 
     const OrvelSGameData* const mData; // not owned
     int32_t mCurSceneId = 0;           // the service's scene at the last frame's end
-    int32_t mBattleSceneId = -1;       // under which the battle was entered; -1 when by a texture
+    /** Under which the service entered the last battle; -1 after the lobby. Stale in phases that are neither. */
+    int32_t mBattleSceneId = -1;
     int32_t mSceneStatus = kStatusUnknown;
     GLuint mBoundDrawFramebuffer = 0;
     uint32_t mSceneDrawCount = 0; // of this frame, up to its first clear of depth and stencil

@@ -1,4 +1,5 @@
 // When the games' filters are drawn, and what they leave behind.
+#include "LogCapture.h"
 #include "PlayedGame.h"
 #include "app/games/pubg/OrvelPUBGProcessor.h"
 #include "app/games/sgame/OrvelSGameFilterModuleData.h"
@@ -73,7 +74,7 @@ const Filtered kSGame[] = {
     {102, "dddcSdd", "ddddFd|"}, {102, "dddcSTdSdd", "dddddFd|"}, // each skip lasts for one draw
     {102, "dddcSd", "ddddF|"},   {102, "dddcnd", "dddFd|"},
     {102, "dddScd", "dddFd|"},                              // bound before the interface
-    {102, "dddcRd", "dddFd|"},   {102, "Rddd", "ddd|"},     // a result screen is no scene
+    {102, "dddcR", "dddF|"},     {102, "Rddd", "ddd|"},     // a result screen is no scene
     {6, "dddcd", "dddFd|"},      {6, "dddSdcd", "ddddFd|"}, // skipped in the hero selection only
     {5, "dddcd", "dddFd|"},      {5, "ddd", "ddd|"},
     {7, "dddRcd", "dddFd|"},     {7, "Rddd", "dddF|"}, // not looked for in the service's battle
@@ -170,53 +171,70 @@ TEST(SGameFilter, SwitchesOffWhatIsOn) {
                             call("glEnable", GL_SCISSOR_TEST)));
 }
 
-// Catches parameters that are read from another part, kept although they are unusable, or refused although they are not.
+module::OrvelSGameFilterModuleData filterData(const char* text) {
+    Json::Value json;
+    std::istringstream(text) >> json;
+    return module::OrvelSGameFilterModuleData(json);
+}
+
+// Catches parameters that are read from another part, or refused although they are usable.
 TEST(SGameFilterData, ReadsItsParts) {
     struct Row {
         const char* json;
-        bool valid;
-        std::vector<bool> binary = {};
+        std::vector<bool> binary;
         std::vector<uint32_t> types = {};
         uint32_t period = 10;
         size_t skips = 0;
         std::vector<std::string> results = {};
     };
     const Row rows[] = {
-        {kFilter, true, {false, false, false}, {1, 1, 1, 1, 1}, 1, 2, {"result.*", "result_.*"}},
-        {R"({"effect_Binary":"1;0;-2"})", true, {true, false, true}},
+        {kFilter, {false, false, false}, {1, 1, 1, 1, 1}, 1, 2, {"result.*", "result_.*"}},
+        {R"({"effect_Binary":"1;0;-2"})", {true, false, true}},
         {R"({"effect_Binary":"1;0;2;16;a|a|(;b|b","effect_Types":"8;0;7;6;5;4"})",
-         true,
          {true, false, true},
          {8, 7, 6, 5, 4},
          10,
          2,
          {"b"}},
-        {R"({"effect_Binary":"1;;0;;2;15"})", true, {true, false, true}, {}, 15}, // empty parts vanish
-        {R"({"effect_Binary":"1;0;2;x"})", false},
-        {R"({"effect_Binary":"1;0;x"})", false},
-        {R"({"effect_Binary":"1;0"})", false},
-        {R"({"effect_Binary":""})", false},
-        {R"({"effect_Types":"1;2;3;4;5"})", false},
-        {R"({"effect_Binary":"1;0;1","effect_Types":"1;2;3;4;0"})", false},
-        {R"({"effect_Binary":"1;0;1","effect_Types":"1;2;3;4;5;9"})", false},
-        {R"({"effect_Binary":"1;0;1","effect_Types":"1;2;3;4;5;-1"})", false},
-        {R"({"effect_Binary":"1;0;1","effect_Types":"1;2;3;4;5;x"})", false},
-        {R"({"effect_Binary":{}})", false},
+        {R"({"effect_Binary":"1;;0;;2;15"})", {true, false, true}, {}, 15}, // empty parts vanish
+        {R"({"effect_Binary":"1;0;2;0"})", {true, false, true}},
+        {R"({"effect_Binary":"1;0;2;-1"})", {true, false, true}},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.json);
-        Json::Value json;
-        std::istringstream(row.json) >> json;
-        const module::OrvelSGameFilterModuleData data(json);
-        ASSERT_EQ(data.valid, row.valid);
-        if (row.valid) {
-            EXPECT_EQ(data.effectBinary, row.binary);
-            EXPECT_EQ(data.effectTypes, row.types);
-            EXPECT_EQ(data.checkPeriod, row.period);
-            EXPECT_EQ(data.skipTextures.size(), row.skips);
-            EXPECT_EQ(data.resultPatterns, row.results);
-        }
+        const auto data = filterData(row.json);
+        ASSERT_TRUE(data.valid);
+        EXPECT_EQ(data.effectBinary, row.binary);
+        EXPECT_EQ(data.effectTypes, row.types);
+        EXPECT_EQ(data.checkPeriod, row.period);
+        EXPECT_EQ(data.skipTextures.size(), row.skips);
+        EXPECT_EQ(data.resultPatterns, row.results);
     }
+}
+
+// Catches unusable parameters that are kept, or refused without a line, or with more than one, that shows them.
+TEST(SGameFilterData, SaysWhatIsUnusable) {
+    const std::string binary = "configuration of \"effect_Binary\" is malformed: ";
+    const std::string types = "configuration of \"effect_Types\" is malformed: ";
+    const std::pair<const char*, Calls> rows[] = {
+        {R"({"effect_Binary":"1;0;2;x"})", {binary + "\"1;0;2;x\""}},
+        {R"({"effect_Binary":"1;0;x"})", {binary + "\"1;0;x\""}},
+        {R"({"effect_Binary":"1;0"})", {binary + "\"1;0\""}},
+        {R"({"effect_Binary":{}})", {binary + "no text"}},
+        {R"({"effect_Types":"1;2;3;4;5"})", {}},                              // there is none
+        {R"({"effect_Binary":"1;0;1","effect_Types":""})", {types + "\"\""}}, // not the same as none
+        {R"({"effect_Binary":"1;0;1","effect_Types":"1;2;3;4;0"})", {types + "\"1;2;3;4;0\""}},
+        {R"({"effect_Binary":"1;0;1","effect_Types":"1;2;3;4;5;9"})", {types + "\"1;2;3;4;5;9\""}},
+        {R"({"effect_Binary":"1;0;1","effect_Types":"1;2;3;4;5;-1"})", {types + "\"1;2;3;4;5;-1\""}},
+        {R"({"effect_Binary":"1;0;1","effect_Types":"1;2;3;4;5;x"})", {types + "\"1;2;3;4;5;x\""}},
+    };
+    for (const auto& [json, lines] : rows) {
+        SCOPED_TRACE(json);
+        const LogCapture log;
+        EXPECT_FALSE(filterData(json).valid);
+        EXPECT_EQ(log.texts(ANDROID_LOG_ERROR), lines);
+    }
+    EXPECT_FALSE(filterData(R"({"effect_Binary":""})").valid);
 }
 
 // ---- PUBG ----------------------------------------------------------------------------------------------------------
@@ -297,7 +315,8 @@ const Frames kPubg[] = {
     {{6, "0+-aZd", "d|"}},
     {{6, "o+-azd", "d|"}},
     {{6, "r+-azd", "d|"}},
-    {{6, "0+-azsssszd", "d|"}}, // both patterns at once
+    {{6, "0", "|"}, {6, "+-az0d", "d|"}}, // a new frame has nothing bound
+    {{6, "0+-azsssszd", "d|"}},           // both patterns at once
     // The scene's target counts, and hits, from frame to frame.
     {{6, "s0+-ad", "d|"},
      {6, "s0+-ad", "d|"},
@@ -310,6 +329,7 @@ const Frames kPubg[] = {
      {6, "s0+-ad", "d|"}},
     {{6, "ss0+-azd", "Fd|"}, {6, "sss0+-ad", "d|"}, {6, "s0+-ad", "Fd|"}}, // the first pattern begins to count anew
     {{6, "oooo0+-ad", "d|"}},
+    {{111, "", "|"}, {111, "sss", "|"}, {6, "", "|"}, {6, "s0+-ad", "Fd|"}}, // counted without the filter, too
     // Textures.
     {{6, "dHdd", "dFdd|"}},
     {{6, "nbd", "d|"}},
@@ -327,6 +347,7 @@ const Frames kPubg[] = {
     {{5, "", "|"}, {5, "ssss", "|"}, {6, "ssss", "|"}, {6, "s0+-ad", "d|"}},
     // Without a sign: at the end of a frame with enough indexed draws.
     {{6, "dddddddddd", "dddddddddd|"}, {6, "ddddddddddi", "ddddddddddiF|"}},
+    {{6, "dddddddddd", "dddddddddd|"}, {6, "d", "d|"}},
     {{6, "dddddddddddL", "ddddddddddd|"}},
     {{6, "dddddddddddHd", "dddddddddddFd|"}, {6, "dddddddddddH", "ddddddddddd|"}},
 };

@@ -1,5 +1,6 @@
 // What the games' processors and modules write into the loader's table.
 #include "PlayedGame.h"
+#include "app/games/sgame/OrvelSGameProcessor.h"
 
 #include <gmock/gmock.h>
 
@@ -48,6 +49,7 @@ class GameHooks : public testing::TestWithParam<Hooked> {};
 // Catches an entry that is not hooked, is hooked for nothing, leads to another one, or does not reach the driver once.
 TEST_P(GameHooks, AreThoseOfProcessorAndModules) {
     PlayedGame game(GetParam().type, GetParam().modules, kAll);
+    app::RegisterProcessorModuleGlobalGLHooks(1u << 20, game.driver().connection()); // of no module
     Calls expected;
     for (const Calls& entries : GetParam().entries) {
         expected.insert(expected.end(), entries.begin(), entries.end());
@@ -74,5 +76,17 @@ INSTANTIATE_TEST_SUITE_P(Games, GameHooks,
                                          Hooked{APP_TYPE_PUBG, 1 | kSharedShading, {kPubg}},
                                          Hooked{APP_TYPE_PUBG, 2, {kPubg, kPubgFilter}},
                                          Hooked{APP_TYPE_BILI, kSharedShading, {}}));
+
+// Catches a processor that takes another game's configuration for its own.
+TEST(GameProcessor, StandsAForeignConfiguration) {
+    const auto driver = RecordingDriver::installed();
+    beFramework(APP_TYPE_PUBG, 2);
+    app::OrvelSGameProcessor processor;
+    EXPECT_EQ(processor.DrawCountThreshold(), 5u);
+    processor.GlLabelObjectEXTHooked(GL_TEXTURE, 1, 0, "lobby");
+    processor.GlBindTextureHooked(GL_TEXTURE_2D, 1);
+    processor.FrameEnd();
+    EXPECT_EQ(processor.SceneStatus(), app::kStatusUnknown);
+}
 
 } // namespace

@@ -2,11 +2,13 @@
 #include "app/FrameworkProcess.h"
 #include "app/OrvelProcessorBase.h"
 #include "app/OrvelRenderContext.h"
+#include "next/EffectGame.h"
 #include "next/OrvelNext.h"
 
 #include <gtest/gtest.h>
 #include <json/reader.h>
 
+#include <cstring>
 #include <sstream>
 
 using namespace android;
@@ -14,68 +16,144 @@ using namespace android::orvel;
 
 namespace {
 
-constexpr char kFilter[] = R"({"effect_Binary":"0;0;0;1;skip.*;result.*"})";
+constexpr char kFilter[] = R"({"effect_Binary":"0;0;0;1;skip.*;result.*","effect_Types":"1;1;1;1;7"})";
 constexpr char kPayload[] = "lobby:lobby\\d;battle:b[a-z]*;battle-UI:ui#clear.*#2";
+constexpr int kGreen = 1, kLut = 7; // filter types
+constexpr GLuint kLobby = 1, kCrossHair = 8;
 
-class GameSteadyState : public testing::TestWithParam<OrvelApplicationType> {};
+int sFiltersDrawn = 0;
 
-// Catches memory or a lock that is asked for in a frame without new labels.
-TEST_P(GameSteadyState, AllocatesAndLocksNothing) {
-    gl_hooks_t table{};
-    egl_connection_t connection{};
-    connection.hooks[egl_connection_t::GLESv2_INDEX] = &table;
-    connection.platform.eglSwapBuffers = [](EGLDisplay, EGLSurface) { return EGLBoolean(EGL_TRUE); };
-    connection.platform.eglGetCurrentContext = []() -> EGLContext { return EGL_NO_CONTEXT; };
-    connection.platform.glGetString = [](GLenum) -> const GLubyte* { return nullptr; };
-    auto& data = beFramework(GetParam(), 2);
-    Json::Value json;
-    std::istringstream(kFilter) >> json;
-    data.ParsePayloadData(kPayload);
-    data.InitProcessorModuleData(2, json);
-    next::InitNextFunctions(&connection); // a driver that has nothing: each entry does nothing
-    app::OrvelProcessorBase::RegisterGlobalHooks(&connection);
-    OrvelRenderContext context(&connection);
-    context.InitApplicationProcessor();
-    ASSERT_NE(context.mProcessor->GetGLModule(2), nullptr);
-    gContextTls = &context;
-    const auto playFrame = [&] {
-        const next::GlTable& gl = table.gl;
-        const char* const labels[] = {"lobby1", "battle", "ui", "skip1", "result", "LoadingUI_Atlas", "other"};
-        for (GLuint texture = 1; texture <= std::size(labels); ++texture) {
-            gl.glLabelObjectEXT(GL_TEXTURE, texture, 0, labels[texture - 1]);
-            gl.glBindTexture(GL_TEXTURE_2D, texture);
-        }
-        gl.glLabelObjectEXT(GL_PROGRAM_OBJECT_EXT, 1, 0, "clear1");
-        gl.glBindFramebuffer(GL_FRAMEBUFFER, 0);
-        for (int draw = 0; draw < 3; ++draw) {
-            gl.glDrawElements(GL_TRIANGLES, 6, GL_UNSIGNED_SHORT, nullptr);
-            gl.glDrawElementsInstanced(GL_TRIANGLES, 6, GL_UNSIGNED_SHORT, nullptr, 1);
-        }
-        if (GetParam() == APP_TYPE_SGAME) {
-            gl.glUseProgram(1);
-            gl.glColorMask(0, 0, 0, 0);
-            gl.glDrawArrays(GL_TRIANGLES, 0, 6);
-            gl.glColorMask(1, 1, 1, 1);
-            gl.glClear(GL_DEPTH_BUFFER_BIT | GL_STENCIL_BUFFER_BIT);
-            gl.glDrawArraysInstanced(GL_TRIANGLES, 0, 6, 1);
-        } else {
-            gl.glEnable(GL_BLEND);
-            gl.glDisable(GL_DEPTH_TEST);
-            gl.glBlendFuncSeparate(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA, GL_ONE, GL_ZERO);
-        }
-        connection.platform.eglSwapBuffers(nullptr, nullptr);
+/** A driver that takes every shader and image, has every capability on, and otherwise does nothing. */
+void takeFilters(gl_hooks_t& table) {
+    auto& gl = table.gl;
+    gl.glCreateProgram = [] { return GLuint{1}; };
+    gl.glGetShaderiv = gl.glGetProgramiv = [](GLuint, GLenum, GLint* value) { *value = 1; };
+    gl.glGetProgramInterfaceiv = [](GLuint, GLenum, GLenum, GLint* count) { *count = 2; };
+    gl.glGetProgramResourceiv = [](GLuint, GLenum, GLuint, GLsizei, const GLenum*, GLsizei, GLsizei*, GLint* values) {
+        values[0] = 7; // the length of the name
     };
-    for (int frame = 0; frame < 20; ++frame) { // the first one sees new labels, then effects are loaded
-        playFrame();
+    gl.glGetProgramResourceName = [](GLuint, GLenum, GLuint index, GLsizei, GLsizei*, GLchar* name) {
+        std::strcpy(name, index == 0 ? "param" : "lutTex");
+    };
+    gl.glMapBufferRange = [](GLenum, GLintptr, GLsizeiptr, GLbitfield) -> void* {
+        static char image[4 * 4 * 3];
+        return image;
+    };
+    gl.glGetTexParameteriv = [](GLenum, GLenum, GLint* value) { *value = GL_TRUE; };
+    gl.glGetIntegerv = [](GLenum name, GLint* value) { *value = name == GL_MAX_TEXTURE_SIZE ? 4096 : 0; };
+    gl.glIsEnabled = [](GLenum) -> GLboolean { return GL_TRUE; };
+    gl.glDrawArrays = [](GLenum, GLint, GLsizei count) { sFiltersDrawn += count == 3; };
+}
+
+class GameSteadyState : public testing::TestWithParam<OrvelApplicationType> {
+protected:
+    void SetUp() override {
+        takeFilters(mTable);
+        mRoot.write("/vendor/odm/etc/game/effect/saibopengke.png", pngFile(4, 4));
+        mConnection.hooks[egl_connection_t::GLESv2_INDEX] = &mTable;
+        mConnection.platform.eglSwapBuffers = [](EGLDisplay, EGLSurface) { return EGLBoolean(EGL_TRUE); };
+        mConnection.platform.eglGetCurrentContext = []() -> EGLContext { return EGL_NO_CONTEXT; };
+        mConnection.platform.glGetString = [](GLenum) -> const GLubyte* { return nullptr; };
+        auto& data = beFramework(GetParam(), 2);
+        Json::Value json;
+        std::istringstream(kFilter) >> json;
+        data.ParsePayloadData(kPayload);
+        data.InitProcessorModuleData(2, json);
+        next::InitNextFunctions(&mConnection);
+        app::OrvelProcessorBase::RegisterGlobalHooks(&mConnection);
+        mContext.InitApplicationProcessor();
+        ASSERT_NE(mContext.mProcessor->GetGLModule(2), nullptr);
+        gContextTls = &mContext;
+        GameInfoMonitor::getInstance().setPackageName("game");
     }
-    const size_t allocations = allocationsSoFar();
-    const size_t locks = locksSoFar();
-    for (int frame = 0; frame < 1000; ++frame) {
-        playFrame();
+    void TearDown() override { gContextTls = nullptr; }
+
+    void report(int scene, int filter) {
+        GameInfoMonitor::getInstance().parseGameSceneId("game", scene);
+        GameInfoMonitor::getInstance().parseFilterConfig("game", filter, 100, 1);
     }
-    EXPECT_EQ(allocationsSoFar(), allocations);
-    EXPECT_EQ(locksSoFar(), locks);
-    gContextTls = nullptr;
+    void swap() { mConnection.platform.eglSwapBuffers(nullptr, nullptr); }
+    void draw() {
+        mGl.glDrawElements(GL_TRIANGLES, 6, GL_UNSIGNED_SHORT, nullptr);
+        mGl.glDrawElementsInstanced(GL_TRIANGLES, 6, GL_UNSIGNED_SHORT, nullptr, 1);
+    }
+    bool isSGame() const { return GetParam() == APP_TYPE_SGAME; }
+
+    /** A frame with all that the game's modules look at. */
+    void playBusyFrame() {
+        const char* const labels[] = {"lobby1", "battle", "ui", "skip1", "result", "LoadingUI_Atlas", "other"};
+        for (GLuint texture = kLobby; texture <= std::size(labels); ++texture) {
+            mGl.glLabelObjectEXT(GL_TEXTURE, texture, 0, labels[texture - 1]);
+            mGl.glBindTexture(GL_TEXTURE_2D, texture);
+        }
+        mGl.glLabelObjectEXT(GL_TEXTURE, kCrossHair, 0, "T_CrossHairNormal");
+        mGl.glLabelObjectEXT(GL_PROGRAM_OBJECT_EXT, 1, 0, "clear1");
+        mGl.glBindFramebuffer(GL_FRAMEBUFFER, 0);
+        draw(), draw(), draw();
+        if (isSGame()) {
+            mGl.glUseProgram(1);
+            mGl.glColorMask(0, 0, 0, 0);
+            mGl.glDrawArrays(GL_TRIANGLES, 0, 6);
+            mGl.glColorMask(1, 1, 1, 1);
+            mGl.glClear(GL_DEPTH_BUFFER_BIT | GL_STENCIL_BUFFER_BIT);
+            mGl.glDrawArraysInstanced(GL_TRIANGLES, 0, 6, 1);
+        } else {
+            mGl.glEnable(GL_BLEND);
+            mGl.glDisable(GL_DEPTH_TEST);
+            mGl.glBlendFuncSeparate(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA, GL_ONE, GL_ZERO);
+        }
+        swap();
+    }
+    /** A frame of a match: scene, what begins the interface, interface. */
+    void playFilteredFrame() {
+        draw(), draw();
+        if (isSGame()) {
+            mGl.glClear(GL_DEPTH_BUFFER_BIT | GL_STENCIL_BUFFER_BIT);
+        } else {
+            mGl.glBindTexture(GL_TEXTURE_2D, kCrossHair);
+        }
+        draw();
+        swap();
+    }
+    /** Plays frames when they are known. @return how many filters were drawn in the 500 that must cost nothing */
+    template <typename Frame>
+    int playSteadily(Frame frame) {
+        for (int i = 0; i < 30; ++i) {
+            frame();
+        }
+        const size_t allocations = allocationsSoFar(), locks = locksSoFar();
+        const int drawn = sFiltersDrawn;
+        for (int i = 0; i < 500; ++i) {
+            frame();
+        }
+        EXPECT_EQ(allocationsSoFar(), allocations);
+        EXPECT_EQ(locksSoFar(), locks);
+        return sFiltersDrawn - drawn;
+    }
+
+    const TestRoot mRoot;
+    gl_hooks_t mTable{};
+    const next::GlTable& mGl = mTable.gl;
+    egl_connection_t mConnection{};
+    OrvelRenderContext mContext{&mConnection};
+};
+
+// Catches memory or a lock that is asked for in a frame without new labels, with and without a filter in it.
+TEST_P(GameSteadyState, AllocatesAndLocksNothing) {
+    playSteadily([this] { playBusyFrame(); });
+    report(4, kLut);
+    mGl.glBindTexture(GL_TEXTURE_2D, kLobby);
+    for (int frame = 0; frame < 30; ++frame) { // effects are loaded
+        swap();
+    }
+    for (const int scene : isSGame() ? std::vector{102, 7} : std::vector{6}) {
+        for (const int filter : {kGreen, kLut}) {
+            report(scene, filter);
+            const int drawn = playSteadily([this] { playFilteredFrame(); });
+            ASSERT_TRUE(mContext.mProcessor->GetEffectManager()->EnableRender());
+            EXPECT_EQ(drawn, 500) << "filter " << filter << " in scene " << scene;
+        }
+    }
 }
 INSTANTIATE_TEST_SUITE_P(Games, GameSteadyState, testing::Values(APP_TYPE_SGAME, APP_TYPE_PUBG));
 

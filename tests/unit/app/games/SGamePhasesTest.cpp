@@ -19,7 +19,7 @@ constexpr char kPayload[] = "lobby:L;pick_hero:H.*;pick_hero-UI:h|x;other-UI:[o]
 /** Plays events, one character each. Every texture and the program p is named and labelled with its own character. */
 class SGame : public PlayedGame {
 public:
-    SGame() : PlayedGame(APP_TYPE_SGAME, 2, kFilter, kPayload) { play("l"); }
+    explicit SGame(const char* payload = kPayload) : PlayedGame(APP_TYPE_SGAME, 2, kFilter, payload) { play("l"); }
 
     OrvelSGameProcessor& state() { return processor<OrvelSGameProcessor>(); }
 
@@ -166,31 +166,32 @@ TEST(SGameDrawFlags, FollowClearsMasksAndTextures) {
         uint32_t sceneDraws;
     };
     const Row rows[] = {
-        {0, "", 4, 0},       {0, "ddddd", 4, 5},
-        {0, "Dcd", 5, 6},    {0, "dddddcd", 4, 5}, // not more draws than the threshold
-        {0, "DC", 4, 6},                           // another clear
-        {0, "D1c0", 4, 6},                         // of another target
-        {0, "Dc-", 1, 6},                          // the scene's end masks colours
-        {0, "Dc-+", 5, 6},                         //
-        {0, "Dc-~", 1, 6},                         //
-        {0, "Dcd-", 5, 6},                         // the interface may
-        {0, "D-+", 4, 6},                          //
-        {0, "Dp-d+", 5, 6},                        // the game's own clear; its draw is the interface's
-        {0, "Dp-d~", 4, 6},                        //
-        {0, "Dp-+d", 5, 6},                        //
-        {0, "Dpd-+d", 4, 8},                       // the program drew something before the masking
-        {0, "pD-+", 4, 6},                         //
-        {0, "dp-d+", 4, 2},                        // a light frame
-        {0, "Dxp-+l", 4, 6},                       // the program is gone
-        {102, "h", 6, 0},                          // hero selection
-        {102, "hD-", 2, 6},                        // "or more" includes 6
-        {102, "hD-+", 6, 6},                       //
-        {102, "b", 4, 0},                          //
-        {102, "o", 4, 0},                          // known and never asked for
-        {7, "b", 6, 0},                            // battle
-        {7, "h", 4, 0},                            //
-        {7, "L", 4, 0},                            // the lobby's list comes first
-        {5, "hb", 4, 0},                           // anything else
+        {0, "", 4, 0},        {0, "ddddd", 4, 5},
+        {0, "Dcd", 5, 6},     {0, "dddddcd", 4, 5}, // not more draws than the threshold
+        {0, "DC", 4, 6},                            // another clear
+        {0, "D1c0", 4, 6},                          // of another target
+        {0, "Dc-", 1, 6},                           // the scene's end masks colours
+        {0, "Dc-+", 5, 6},                          //
+        {0, "Dc-~", 1, 6},                          //
+        {0, "Dcd-", 5, 6},                          // the interface may
+        {0, "D-+", 4, 6},                           //
+        {0, "Dp-d+", 5, 6},                         // the game's own clear; its draw is the interface's
+        {0, "Dp-d~", 4, 6},                         //
+        {0, "Dp-+d", 5, 6},                         //
+        {0, "Dpd-+d", 4, 8},                        // the program drew something before the masking
+        {0, "pD-+", 4, 6},                          //
+        {0, "dp-d+", 4, 2},                         // a light frame
+        {0, "Dxp-+l", 4, 6},                        // the program is gone
+        {102, "h", 6, 0},                           // hero selection
+        {102, "hD-", 2, 6},                         // "or more" includes 6
+        {102, "hD-+", 6, 6},                        //
+        {102, "b", 4, 0},                           //
+        {102, "o", 4, 0},                           // known and never asked for
+        {7, "b", 6, 0},                             // battle
+        {7, "h", 4, 0},                             //
+        {7, "L", 4, 0},                             // the lobby's list comes first
+        {5, "hb", 4, 0},                            // anything else
+        {7, "xlDp-d+", 5, 6},                       // programs are learnt in a battle, too; textures no more
     };
     SGame game;
     for (const Row& row : rows) {
@@ -202,6 +203,18 @@ TEST(SGameDrawFlags, FollowClearsMasksAndTextures) {
         EXPECT_EQ(game.state().SceneDrawCount(), row.sceneDraws);
         EXPECT_EQ(game.state().DrawCountThreshold(), 5u);
     }
+}
+
+// Catches a negative threshold that is taken for a low one: as an unsigned number no frame has more draws.
+TEST(SGameDrawFlags, NeverRiseAboveANegativeThreshold) {
+    SGame game("lobby:L#p#-1");
+    game.play("Dcp-d+");
+    EXPECT_EQ(game.state().DrawFlags(), 4u);
+    game.swap(102);
+    EXPECT_EQ(game.state().SceneStatus(), kStatusHeroSelect);
+    game.play("DL");
+    game.swap(102);
+    EXPECT_EQ(game.state().SceneStatus(), kStatusLobby) << "every frame is a light one";
 }
 
 // Catches the clear program's masking that is forgotten, or the frame's counts kept, at the end of the frame.
@@ -294,7 +307,7 @@ TEST(SGamePayload, FillsTheLists) {
         EXPECT_EQ(data.GetDrawCountThreshold(), payload.threshold);
     }
     EXPECT_THROW(OrvelSGameData().ParsePayloadData("a#b#many"), std::invalid_argument);
-    EXPECT_THROW(OrvelSGameData().ParsePayloadData("a#b#99999999999"), std::invalid_argument);
+    EXPECT_THROW(OrvelSGameData().ParsePayloadData("a#b#99999999999"), std::out_of_range);
 }
 
 } // namespace
