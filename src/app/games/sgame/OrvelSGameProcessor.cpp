@@ -84,6 +84,7 @@ void OrvelSGameProcessor::NoteLabel(GLenum type, GLuint object, std::string_view
     const int found = mTextureLabels.find(label, [this](std::string_view text) { return ClassifyTexture(text); });
     if (found != kNoClass) {
         mTextures[static_cast<size_t>(found)].insert(object);
+        mKnownTextures.add(object);
     }
 }
 
@@ -130,7 +131,8 @@ void OrvelSGameProcessor::GlBindFramebufferHooked(GLenum target, GLuint framebuf
 }
 
 void OrvelSGameProcessor::GlBindTextureHooked(GLenum target, GLuint texture) {
-    if (texture != 0 && mBoundDrawFramebuffer == 0) {
+    // A handler does nothing with a texture of no class, as nearly every one is.
+    if (texture != 0 && mBoundDrawFramebuffer == 0 && mKnownTextures.mayHave(texture)) {
         (this->*mBindTextureHandler)(texture);
     }
     mBindTexture.Call(target, texture);

@@ -207,6 +207,7 @@ private:
     bool mForceLobby = false;
     BindTextureHandler mBindTextureHandler = &OrvelSGameProcessor::BindTextureLobby; // of the current phase
     std::array<OrvelNameSet, TEXTURE_CLASS_COUNT> mTextures; // by class; a texture labelled twice may be in several
+    OrvelNameFilter mKnownTextures;                          // of any class
     OrvelNameSet mClearPrograms;
     OrvelTextMemo mTextureLabels;                         // to the texture's class, or -1
     OrvelTextMemo mProgramLabels;                         // to the pattern's number, or -1
