@@ -2,8 +2,8 @@
 
 #include "Extensions.h"
 #include "LogFile.h"
-#include "ProbeContext.h"
 #include "MultisampledTextures.h"
+#include "ProbeContext.h"
 #include "ShadingRate.h"
 
 #include <atomic>

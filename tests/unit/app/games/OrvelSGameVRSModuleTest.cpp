@@ -321,7 +321,7 @@ INSTANTIATE_TEST_SUITE_P(OfRegions, RegionCondition,
                                          Condition{"Al..S", "#^1A"},       // the lobby
                                          Condition{"A0!S", "#^1A="},       // no level
                                          Condition{"Aw.S", "#^1A>"},       // a small window changes nothing
-                                         Condition{"AS.fdS", "#^1A>1d>"},   // a frame after one with regions
+                                         Condition{"AS.fdS", "#^1A>1d>"},  // a frame after one with regions
                                          Condition{"AS..fd", "#^1A>4d"})); // and without
 
 // Catches templates that are made twice or with another one's rates, an image that is attached after the game's texture
