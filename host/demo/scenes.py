@@ -39,8 +39,11 @@ def chapter(stage):
         start = next(line["time"] for line in lines if line["asked"] == "configuration")
         heard = [(line["time"] - start, json.loads(line["report"])["sceneId"]) for line in lines if line["asked"] == "scene"]
         scenes = without_repeats([scene for _, scene in heard])
-        # A game that starts slowly is asked before it draws.
-        if scenes[1 if scenes[:2] == [1005, 1008] else 0:] != EXPECTED[game]:
+        # A game that starts slowly is asked before it draws; a look at a minimap that stays sees nothing new.
+        seen = scenes[1 if scenes[:2] == [1005, 1008] else 0:]
+        if game == "hkrpg":
+            seen = seen[:1] + [scene for scene in seen[1:-1] if scene != 1005] + seen[-1:]
+        if seen != EXPECTED[game]:
             problems.append(f"scenes of {game}: the service heard {scenes}, expected {EXPECTED[game]}")
         told = ", ".join(f"{frame * FRAME_MS / 1000:.1f} s {event}" for frame, event in events)
         parts.append(f"<h3>{page.escape(package)}</h3><p>The game: {page.escape(told)}.</p>")
