@@ -43,8 +43,8 @@ GAMES = {"yuanshen": ("com.miHoYo.Yuanshen", ["boss", "teleport", "launch", "non
 
 # Lines of error priority that the changes explain, and what explains them.
 EXPLAINED = [
-    (r"parse game infoType error", "a line of nonsense is written into the game-information file"),
-    (r"sendSceneIdToRavelo|[Rr]avelo|service", "the tuning service is killed and comes back"),
+    (r": Orvel parse game infoType error: ", "a line of nonsense is written into the game-information file"),
+    (r": remote service died!$|: orvel:call remote service failed\.$", "the tuning service is killed and comes back"),
 ]
 
 

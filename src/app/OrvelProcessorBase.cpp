@@ -25,7 +25,7 @@ void callEach(const std::vector<OrvelModuleBase*>& modules, void (OrvelModuleBas
         try {
             (each->*operation)();
         } catch (const std::exception& error) {
-            ORVEL_LOGE("end of frame of module %u failed: %s", each->GetModuleId(), error.what());
+            ORVEL_LOGE("end of frame of module %d failed: %s", static_cast<int>(each->GetModuleId()), error.what());
         }
     }
 }
