@@ -17,8 +17,6 @@ constexpr char kMain[] = R"(void main() {
 
 } // namespace
 
-void OrvelBrownEffect::PostInit() { mParamLocation = FindUniform("param"); }
-
 std::string OrvelBrownEffect::GetFragmentSource() { return FragmentSource(kMain); }
 
 } // namespace android::orvel::next

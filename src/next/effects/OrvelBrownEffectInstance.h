@@ -9,14 +9,7 @@ namespace android::orvel::next {
 class OrvelBrownEffectInstance : public OrvelToneEffectInstance {
 public:
     /** @param effect null makes an instance that is disabled */
-    explicit OrvelBrownEffectInstance(OrvelBrownEffect* effect)
-        : OrvelToneEffectInstance(effect, effect ? effect->GetParamLocation() : -1),
-          mEffect(effect) {}
-
-    OrvelVisualEffect* GetEffect() override { return mEffect; }
-
-private:
-    OrvelBrownEffect* const mEffect;
+    explicit OrvelBrownEffectInstance(OrvelBrownEffect* effect) : OrvelToneEffectInstance(effect) {}
 };
 
 } // namespace android::orvel::next

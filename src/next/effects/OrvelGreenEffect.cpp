@@ -17,8 +17,6 @@ constexpr char kMain[] = R"(void main() {
 
 } // namespace
 
-void OrvelGreenEffect::PostInit() { mParamLocation = FindUniform("param"); }
-
 std::string OrvelGreenEffect::GetFragmentSource() { return FragmentSource(kMain); }
 
 } // namespace android::orvel::next

@@ -1,22 +1,15 @@
 // A filter like night vision: how bright a pixel is, in green.
 #pragma once
 
-#include "next/effects/OrvelVisualEffect.h"
+#include "next/effects/OrvelToneEffect.h"
 
 namespace android::orvel::next {
 
-class OrvelGreenEffect : public OrvelVisualEffect {
+class OrvelGreenEffect : public OrvelToneEffect {
 public:
-    using OrvelVisualEffect::OrvelVisualEffect;
+    using OrvelToneEffect::OrvelToneEffect;
 
-    void PostInit() override;
     std::string GetFragmentSource() override;
-    bool SupportFramebufferFetch() const override { return true; }
-    /** @return where "param" lies: x above 1 darkens the edge */
-    GLint GetParamLocation() const { return mParamLocation; }
-
-private:
-    GLint mParamLocation = -1;
 };
 
 } // namespace android::orvel::next

@@ -9,14 +9,7 @@ namespace android::orvel::next {
 class OrvelGreenEffectInstance : public OrvelToneEffectInstance {
 public:
     /** @param effect null makes an instance that is disabled */
-    explicit OrvelGreenEffectInstance(OrvelGreenEffect* effect)
-        : OrvelToneEffectInstance(effect, effect ? effect->GetParamLocation() : -1),
-          mEffect(effect) {}
-
-    OrvelVisualEffect* GetEffect() override { return mEffect; }
-
-private:
-    OrvelGreenEffect* const mEffect;
+    explicit OrvelGreenEffectInstance(OrvelGreenEffect* effect) : OrvelToneEffectInstance(effect) {}
 };
 
 } // namespace android::orvel::next

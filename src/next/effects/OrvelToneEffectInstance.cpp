@@ -16,7 +16,7 @@ void OrvelToneEffectInstance::Tick(OrvelStateTracker&) { (this->*kUpdateHandlers
 
 void OrvelToneEffectInstance::UpdateAll() {
     mParam[0] = DarkEdgeParam();
-    gl.glUniform4fv(mParamLocation, 1, mParam.data());
+    gl.glUniform4fv(mEffect->GetParamLocation(), 1, mParam.data());
     mDirty = 0;
 }
 

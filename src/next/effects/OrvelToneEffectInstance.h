@@ -1,6 +1,7 @@
-// What the instances of green and brown have in common: one parameter, the dark edge.
+// What the instances of green and brown have in common: an effect whose only parameter is the dark edge.
 #pragma once
 
+#include "next/effects/OrvelToneEffect.h"
 #include "next/effects/OrvelVisualEffectInstance.h"
 
 #include <array>
@@ -10,11 +11,10 @@ namespace android::orvel::next {
 class OrvelToneEffectInstance : public OrvelVisualEffectInstance {
 public:
     void Tick(OrvelStateTracker& tracker) override;
+    OrvelVisualEffect* GetEffect() override { return mEffect; }
 
 protected:
-    OrvelToneEffectInstance(const OrvelVisualEffect* effect, GLint paramLocation)
-        : OrvelVisualEffectInstance(effect),
-          mParamLocation(paramLocation) {}
+    explicit OrvelToneEffectInstance(OrvelToneEffect* effect) : OrvelVisualEffectInstance(effect), mEffect(effect) {}
 
 private:
     using UpdateHandler = void (OrvelToneEffectInstance::*)();
@@ -27,7 +27,7 @@ private:
 
     static const std::array<UpdateHandler, kDirtyStates> kUpdateHandlers; // by what is dirty
 
-    const GLint mParamLocation;
+    OrvelToneEffect* const mEffect; // not null in an instance that is drawn
     std::array<float, 4> mParam{};
 };
 
