@@ -2,14 +2,16 @@
 // and only once, unless the library's features say otherwise.
 #include "CountingDriver.h"
 #include "Fuzz.h"
-#include "Games.h"
 
 #include "DesktopBinder.h"
+#include "EveryGame.h"
 #include "loader/OrvelLoader.h"
 #include "settings/FakeRavelo.h"
 #include "settings/GameInfoMonitor.h"
 
+#include <climits>
 #include <cstring>
+#include <string>
 #include <string_view>
 #include <tuple>
 #include <type_traits>
@@ -19,6 +21,9 @@ using namespace android;
 using fuzz::GlTable;
 
 namespace {
+
+constexpr EveryGame kGame = kEveryGame[ORVEL_FUZZ_GAME];
+const std::string kPackage = kGame.package;
 
 egl_connection_t sConnection{};
 gl_hooks_t sGles2{};
@@ -137,7 +142,7 @@ void callOne(size_t entry, R (*GlTable::*slot)(Args...), const char* name, Fuzze
         same += arrival.entry == entry && arrival.arguments == expected;
     }
     fuzz::demand(entries >= 1, name);
-    if (ORVEL_FUZZ_EXACT) {
+    if (kGame.isExact) {
         fuzz::demand(same >= 1, name);
         fuzz::demand(same == 1 || fuzz::arrivals().size() > 2, name); // twice, and nothing of the library's around it
     }
@@ -176,7 +181,7 @@ void changeSomething(FuzzedDataProvider& input) {
     static constexpr int kScenes[] = {4, 5, 6, 7, 8, 101, 102, 111, 1000, 1001, -1};
     switch (input.ConsumeIntegralInRange(0, 12)) {
     case 0:
-        monitor.parseGameSceneId(ORVEL_FUZZ_PACKAGE, input.PickValueInArray(kScenes));
+        monitor.parseGameSceneId(kPackage, input.PickValueInArray(kScenes));
         break;
     case 1:
         monitor.parseGamePictureInfo(8, input.ConsumeIntegralInRange(0, 4));
@@ -188,11 +193,11 @@ void changeSomething(FuzzedDataProvider& input) {
         monitor.parseGameVrsLevel(input.ConsumeIntegralInRange(-1, 4));
         break;
     case 4:
-        monitor.parseCommonVrs(ORVEL_FUZZ_PACKAGE, input.ConsumeIntegralInRange(0, 2));
+        monitor.parseCommonVrs(kPackage, input.ConsumeIntegralInRange(0, 2));
         break;
     case 5:
-        monitor.parseFilterConfig(ORVEL_FUZZ_PACKAGE, input.ConsumeIntegralInRange(-1, 9),
-                                  input.ConsumeIntegralInRange(-1, 101), input.ConsumeIntegralInRange(0, 2));
+        monitor.parseFilterConfig(kPackage, input.ConsumeIntegralInRange(-1, 9), input.ConsumeIntegralInRange(-1, 101),
+                                  input.ConsumeIntegralInRange(0, 2));
         break;
     case 6:
         platform.eglMakeCurrent(nullptr, nullptr, nullptr, contextOf(input));
@@ -208,12 +213,12 @@ void changeSomething(FuzzedDataProvider& input) {
             {"glShadingRateEXT", "glShadingRateCombinerOpsEXT", "glDrawArrays", "glNothing", ""}));
         break;
     case 10:
-        fuzz::root().write("/data/system/mcd/dr", input.PickValueInArray<const char*>(
-                                                      {ORVEL_FUZZ_PACKAGE " 240 136", ORVEL_FUZZ_PACKAGE " 320 180",
-                                                       ORVEL_FUZZ_PACKAGE, "", "nobody 1 1"}));
+        fuzz::root().write("/data/system/mcd/dr",
+                           input.PickValueInArray<std::string>(
+                               {kPackage + " 240 136", kPackage + " 320 180", kPackage, "", "nobody 1 1"}));
         break;
     case 11: {
-        GLint value[16];
+        GLint value[1] = {input.ConsumeBool() ? 0 : INT_MAX}; // the driver refuses, and leaves it
         platform.glGetString(input.ConsumeBool() ? GL_EXTENSIONS : GL_VERSION);
         platform.glGetStringi(GL_EXTENSIONS, input.ConsumeIntegralInRange(0u, 3u));
         platform.glGetIntegerv(GL_NUM_EXTENSIONS, value);
@@ -228,12 +233,12 @@ void changeSomething(FuzzedDataProvider& input) {
 
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
     fuzz::logNothing();
-    fuzz::root().write("/proc/" + std::to_string(getpid()) + "/cmdline", ORVEL_FUZZ_PACKAGE);
+    fuzz::root().write("/proc/" + std::to_string(getpid()) + "/cmdline", kPackage);
     fuzz::root().write("/data/system/mcd/gameInfo", "");
-    fuzz::root().write("/data/system/mcd/dr", ORVEL_FUZZ_PACKAGE " 320 180");
-    fuzz::root().write("/data/system/mcd/sr", ORVEL_FUZZ_PACKAGE " 1");
-    fuzz::root().write("/data/system/mcd/dfi", ORVEL_FUZZ_PACKAGE " 16");
-    FakeRavelo::offer(ORVEL_FUZZ_CONFIGURATION);
+    fuzz::root().write("/data/system/mcd/dr", kPackage + " 320 180");
+    fuzz::root().write("/data/system/mcd/sr", kPackage + " 1");
+    fuzz::root().write("/data/system/mcd/dfi", kPackage + " 16");
+    FakeRavelo::offer(kGame.configuration);
     fuzz::connect(sConnection, sGles2);
     sDriver = sGles2;
     sLibrary = static_cast<OrvelStub*>(createInstance());
@@ -244,9 +249,9 @@ extern "C" int LLVMFuzzerInitialize(int*, char***) {
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     FuzzedDataProvider input(data, size);
-    // The first context stays; what a game left behind in it goes on.
-    static const EGLContext first = sConnection.platform.eglCreateContext(nullptr, nullptr, nullptr, nullptr);
-    sConnection.platform.eglMakeCurrent(nullptr, nullptr, nullptr, first);
+    // What a game left behind goes on in the next, the first context, too, if it still lives.
+    sConnection.platform.eglCreateContext(nullptr, nullptr, nullptr, nullptr);
+    sConnection.platform.eglMakeCurrent(nullptr, nullptr, nullptr, reinterpret_cast<EGLContext>(1));
     for (int calls = 0; calls < 400 && input.remaining_bytes() > 0; ++calls) {
         const auto choice = input.ConsumeIntegral<uint8_t>();
         if (choice < 16) {

@@ -1,13 +1,15 @@
 #include "CountingDriver.h"
 
+#include <bitset>
 #include <cstring>
 
 namespace fuzz {
 
 namespace {
 
-GLuint sNames = 0;
-uintptr_t sContexts = 0;
+uint32_t sNames = 0;
+constexpr uintptr_t kMostContexts = 5;
+std::bitset<kMostContexts + 1> sContexts; // those that live
 thread_local EGLContext tCurrent = EGL_NO_CONTEXT;
 
 template <size_t Offset, typename R, typename... Args>
@@ -23,14 +25,15 @@ auto nothing(R (*)(Args...)) -> R (*)(Args...) {
     return [](Args...) -> R { return R(); };
 }
 
+/** Drivers use names again. */
+GLuint GL_APIENTRY makeName() { return 1 + sNames++ % 1000; }
 /** Names without a word: the library makes objects of its own. */
 void GL_APIENTRY makeNames(GLsizei count, GLuint* names) {
     for (GLsizei i = 0; names && i < count; ++i) {
-        names[i] = ++sNames;
+        names[i] = makeName();
     }
 }
-GLuint GL_APIENTRY makeName() { return ++sNames; }
-GLuint GL_APIENTRY makeShader(GLenum) { return ++sNames; }
+GLuint GL_APIENTRY makeShader(GLenum) { return makeName(); }
 void GL_APIENTRY answerYes(GLuint, GLenum, GLint* value) {
     if (value) {
         *value = 1;
@@ -73,9 +76,24 @@ void connect(android::egl_connection_t& connection, android::gl_hooks_t& gles2) 
     connection.platform.glGetStringi = [](GLenum, GLuint) { return static_cast<const GLubyte*>(nullptr); };
     connection.platform.glGetIntegerv = [](GLenum, GLint*) {};
     connection.platform.eglCreateContext = [](EGLDisplay, EGLConfig, EGLContext, const EGLint*) {
-        return reinterpret_cast<EGLContext>(++sContexts);
+        uintptr_t context = 1;
+        while (context <= kMostContexts && sContexts[context]) {
+            ++context;
+        }
+        if (context > kMostContexts) {
+            return EGL_NO_CONTEXT;
+        }
+        sContexts.set(context);
+        return reinterpret_cast<EGLContext>(context);
     };
-    connection.platform.eglDestroyContext = [](EGLDisplay, EGLContext) -> EGLBoolean { return EGL_TRUE; };
+    connection.platform.eglDestroyContext = [](EGLDisplay, EGLContext context) -> EGLBoolean {
+        const auto number = reinterpret_cast<uintptr_t>(context);
+        const bool lives = number <= kMostContexts && sContexts[number];
+        if (lives) {
+            sContexts.reset(number);
+        }
+        return lives;
+    };
     connection.platform.eglMakeCurrent = [](EGLDisplay, EGLSurface, EGLSurface, EGLContext context) -> EGLBoolean {
         tCurrent = context;
         return EGL_TRUE;

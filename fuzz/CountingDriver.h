@@ -38,8 +38,9 @@ uint64_t digest(Args... args) {
 }
 
 /**
- * Fills both tables. Objects get names that count upwards, every shader compiles, every program has the uniform "param",
- * and memory can be mapped. Contexts are numbers, current on the thread that made them so.
+ * Fills both tables. Objects get one of a thousand names, every shader compiles, every program has the uniform "param",
+ * and memory can be mapped. Contexts are the numbers 1 to 5, used again when destroyed; a sixth is refused. Sets of numbers
+ * that the driver is asked for stay as they are.
  */
 void connect(android::egl_connection_t& connection, android::gl_hooks_t& gles2);
 

@@ -62,7 +62,10 @@ EGLSurface Window::makeSurface(const Options& options, EGLConfig config) {
     if (options.x11) {
         EGLint visual = 0;
         eglGetConfigAttrib(mDisplay, config, EGL_NATIVE_VISUAL_ID, &visual);
-        return eglCreateWindowSurface(mDisplay, config, openXWindow(options.window, visual), nullptr);
+        const EGLNativeWindowType window = openXWindow(options.window, visual);
+        const EGLSurface surface = eglCreateWindowSurface(mDisplay, config, window, nullptr);
+        showXWindow(window);
+        return surface;
     }
     if (const EGLNativeWindowType window = displaylessWindow(options.window)) {
         return eglCreateWindowSurface(mDisplay, config, window, nullptr);

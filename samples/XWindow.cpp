@@ -32,9 +32,15 @@ EGLNativeWindowType openXWindow(Size size, EGLint visual) {
                       found->depth, InputOutput, found->visual, CWColormap | CWBorderPixel, &attributes);
     XFree(found);
     XStoreName(display, window, "orvel-sample");
-    XMapWindow(display, window);
-    XSync(display, False);
+    XSelectInput(display, window, ExposureMask);
     return static_cast<EGLNativeWindowType>(window);
+}
+
+void showXWindow(EGLNativeWindowType window) {
+    auto* display = reinterpret_cast<Display*>(xDisplay());
+    XMapWindow(display, static_cast<::Window>(window));
+    XEvent exposed;
+    XWindowEvent(display, static_cast<::Window>(window), ExposureMask, &exposed);
 }
 
 } // namespace sample

@@ -10,7 +10,10 @@ namespace sample {
 /** @return the server's connection, opened at the first call; the program ends when there is none */
 EGLNativeDisplayType xDisplay();
 
-/** Shows a window. @param visual number of the X visual that EGL draws with */
+/** Makes a window that does not show yet. @param visual number of the X visual that EGL draws with */
 EGLNativeWindowType openXWindow(Size size, EGLint visual);
+
+/** Returns when the server says that the window can be seen. */
+void showXWindow(EGLNativeWindowType window);
 
 } // namespace sample

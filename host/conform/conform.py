@@ -43,7 +43,9 @@ RUNS = {"without": ("com.miHoYo.Yuanshen", None, ["--without"], False),
         "disabled": ("org.example.unknown", {}, [], False)}
 for package, configs in GAMES.items():
     short = package.rsplit(".", 1)[1]
-    RUNS[f"idle-{short}"] = (package, {}, [], False)
+    # Idle: hooks, contexts and modules are there, but nothing that a module acts on.
+    idle = {key: value for key, value in configs.items() if key == "xrender_BaseInfo"}
+    RUNS[f"idle-{short}"] = (package, idle, [], False)
     RUNS[f"everything-{short}"] = (package, configs, ["--shading-rate", "both"], True)
 
 # A result that may differ from the one without the library, and why.
@@ -73,8 +75,8 @@ def results(folder):
     raise RuntimeError(f"{folder} holds no results")
 
 
-def run(name, out, listed, launcher, scratch, jobs=os.cpu_count()):
-    """Runs the listed tests; answers their results by name."""
+def run(name, out, listed, launcher, scratch, kept=None, jobs=os.cpu_count()):
+    """Runs the listed tests; answers their results by name, and keeps them under the run's name or another."""
     package, configuration, options, is_live = RUNS[name]
     folder = pathlib.Path(tempfile.mkdtemp(dir=scratch))
     root = folder / "root"
@@ -94,7 +96,7 @@ def run(name, out, listed, launcher, scratch, jobs=os.cpu_count()):
     with open(out / f"{name}.log", "a") as log:
         subprocess.run([str(word) for word in [*command, "--", *piglit]], stdout=log, stderr=subprocess.STDOUT, check=False)
     found = results(folder / "results")
-    shutil.move(folder / "results", out / f"{name}-{len(listed)}")
+    shutil.move(folder / "results", out / (kept or name))
     shutil.rmtree(folder)
     return found
 
@@ -127,7 +129,7 @@ def main():
             by_chance = 0
             if differing := differences(base, found):
                 # Some pass or fail by chance when two run at once: these run again, alone, without the library, too.
-                again = [run(n, out, differing, PROJECT / "orvel", scratch, jobs=1) for n in ("without", name)]
+                again = [run(n, out, differing, PROJECT / "orvel", scratch, f"{name}-again-{n}", jobs=1) for n in ("without", name)]
                 still = differences(*again)
                 by_chance = len(differing) - len(still)
                 differing = still

@@ -28,6 +28,9 @@ public:
     /** The calling thread is between two frames, or about to make the surface current: what was put off is done now. */
     virtual void settle() {}
 
+    /** A frame is about to be swapped. */
+    virtual void show() {}
+
     EGLNativeWindowType native() { return reinterpret_cast<EGLNativeWindowType>(static_cast<ANativeWindow*>(this)); }
 };
 

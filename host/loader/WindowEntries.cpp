@@ -123,6 +123,9 @@ struct Swap;
 template <typename... More, EGLBoolean (*egl_t::*Slot)(EGLDisplay, EGLSurface, More...)>
 struct Swap<Slot> {
     static EGLBoolean EGLAPIENTRY call(EGLDisplay display, EGLSurface surface, More... more) {
+        if (RigWindow* window = windowOf(surface)) {
+            window->show();
+        }
         const EGLBoolean swapped = orNothing(gConnection.egl.*Slot)(display, driverSurface(surface), more...);
         if (swapped) {
             settle(surface);

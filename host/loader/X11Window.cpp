@@ -105,6 +105,14 @@ void X11Window::settle() {
     }
 }
 
+// Not before: a program that waits until its window is exposed would wait for ever if ours lay over it from the start.
+void X11Window::show() {
+    const std::lock_guard lock(mMutex);
+    if (mOwnWindow && !mIsShown) {
+        mIsShown = succeeds(mServer, xcb_map_window_checked(mServer, mOwnWindow));
+    }
+}
+
 bool X11Window::askProgramWindow(WindowGeometry* size) const {
     xcb_generic_error_t* error = nullptr;
     const Reply<xcb_get_geometry_reply_t> answer(
@@ -129,11 +137,12 @@ void X11Window::makeOwnWindow() {
         mServer, xcb_create_window_checked(mServer, XCB_COPY_FROM_PARENT, window, mProgramWindow, 0, 0,
                                            static_cast<uint16_t>(size.width), static_cast<uint16_t>(size.height), 0,
                                            XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, 0, nullptr));
-    if (!made || !succeeds(mServer, xcb_map_window_checked(mServer, window))) {
+    if (!made) {
         RIG_LOGW("window 0x%x cannot be resized: no window fits into it", mProgramWindow);
         return;
     }
     mOwnWindow = window;
+    mIsShown = false;
     mFollowsProgram = true;
     mBuffers = size;
 }

@@ -24,6 +24,7 @@ public:
     void surfaceDestroyed() override;
     EGLSurface driverSurface() const override;
     void settle() override;
+    void show() override;
 
 private:
     // All under mMutex:
@@ -35,6 +36,7 @@ private:
     xcb_connection_t* const mServer;
     const uint32_t mProgramWindow;
     uint32_t mOwnWindow = 0; // 0: there is none, nothing can be resized
+    bool mIsShown = false;
     bool mFollowsProgram = true;
     desktop::WindowGeometry mBuffers;
     EGLSurface mSurface = EGL_NO_SURFACE;

@@ -30,14 +30,15 @@ namespace android::orvel::app {
 
 namespace {
 
-// Written at start-up, read for the life of the process.
-std::function<OrvelProcessorBase*()> gCreateProcessorFunc;
+// Written at start-up, read for the life of the process, to its last moment: never destroyed.
+auto& gCreateProcessorFunc = *new std::function<OrvelProcessorBase*()>;
 void (*gCollectGLFunc)(egl_connection_t*) = nullptr;
 void (*gModuleCreateInfoFunc)(uint32_t moduleId) = nullptr;
-std::unordered_map<uint32_t, std::function<module::OrvelModuleBase*(OrvelProcessorBase*)>> gCreateModuleMap;
-std::unordered_map<uint32_t, void (*)(egl_connection_t*)> gCollectModuleFuncMap;
-std::unordered_map<uint32_t, std::function<module::OrvelProcessorModuleDataBase*(const Json::Value&)>>
-    gCreateModuleDataMap;
+auto& gCreateModuleMap =
+    *new std::unordered_map<uint32_t, std::function<module::OrvelModuleBase*(OrvelProcessorBase*)>>;
+auto& gCollectModuleFuncMap = *new std::unordered_map<uint32_t, void (*)(egl_connection_t*)>;
+auto& gCreateModuleDataMap =
+    *new std::unordered_map<uint32_t, std::function<module::OrvelProcessorModuleDataBase*(const Json::Value&)>>;
 
 uint32_t ownType() { return OrvelSettings::getInstance().mApplicationType; }
 
@@ -63,13 +64,14 @@ void registerModule(uint32_t id) {
 } // namespace
 
 bool UsingRenderController(uint32_t appType) {
-    static const std::unordered_set<uint32_t> types = {APP_TYPE_SGAME, APP_TYPE_PUBG,  APP_TYPE_QQLIVE,
-                                                       APP_TYPE_7,     APP_TYPE_AWEME, APP_TYPE_BILI};
+    static const auto& types = *new std::unordered_set<uint32_t>{APP_TYPE_SGAME, APP_TYPE_PUBG,  APP_TYPE_QQLIVE,
+                                                                 APP_TYPE_7,     APP_TYPE_AWEME, APP_TYPE_BILI};
     return types.count(appType != APP_TYPE_NONE ? appType : ownType()) != 0;
 }
 
 bool IsSharedProcessor() {
-    static const std::unordered_set<uint32_t> types = {APP_TYPE_QQLIVE, APP_TYPE_7, APP_TYPE_AWEME, APP_TYPE_BILI};
+    static const auto& types =
+        *new std::unordered_set<uint32_t>{APP_TYPE_QQLIVE, APP_TYPE_7, APP_TYPE_AWEME, APP_TYPE_BILI};
     return types.count(ownType()) != 0;
 }
 

@@ -3,6 +3,7 @@
 #include "base/OrvelLog.h"
 #include "base/OrvelParse.h"
 
+#include <algorithm>
 #include <exception>
 #include <limits>
 #include <locale>
@@ -16,6 +17,29 @@ constexpr size_t kShortText = 64;        // characters; with back-references, ea
 
 void logBad(const std::string& pattern, const char* why) {
     ORVEL_LOGE("bad pattern \"%s\": %s", oneLine(pattern).c_str(), why);
+}
+
+/**
+ * The library reads the numbers of repetitions and back-references into an integer and does not look whether it fits.
+ * @return whether one is too long for that; it would be refused, anyway
+ */
+bool hasLongNumber(const std::string& pattern) {
+    constexpr size_t kMostDigits = 9;
+    const auto endOfDigits = [&](size_t at) {
+        return std::min(pattern.find_first_not_of("0123456789", at), pattern.size());
+    };
+    for (size_t at = 0; at < pattern.size(); ++at) {
+        if (pattern[at] == '\\' || pattern[at] == '{') {
+            const size_t first = endOfDigits(at + 1) - at - 1;
+            const size_t comma = at + 1 + first;
+            const bool isRange = pattern[at] == '{' && comma < pattern.size() && pattern[comma] == ',';
+            if (first > kMostDigits || (isRange && endOfDigits(comma + 1) - comma - 1 > kMostDigits)) {
+                return true;
+            }
+            at += pattern[at] == '\\'; // what it escapes
+        }
+    }
+    return false;
 }
 
 /** The library's matchers share a locale that fills in what it knows of characters without a lock: let it know all. */
@@ -40,6 +64,10 @@ constexpr auto kNoRecursion =
 OrvelPattern::OrvelPattern(const std::string& pattern) : mPieces(pattern) {
     if (pattern.size() > kLongestPattern) {
         logBad(pattern, "too long");
+        return;
+    }
+    if (hasLongNumber(pattern)) {
+        logBad(pattern, "a number in it is too large");
         return;
     }
     [[maybe_unused]] static const bool isLocalePrepared = (prepareLocale(), true); // before any thread matches

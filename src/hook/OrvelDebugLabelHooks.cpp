@@ -61,7 +61,7 @@ void GL_APIENTRY PlatGetIntegervHooked(GLenum pname, GLint* data) {
         sSaved.glGetIntegerv(pname, data);
     }
     if (pname == GL_NUM_EXTENSIONS && extensions().added && data && sSaved.glGetIntegerv) {
-        ++*data;
+        *data = static_cast<GLint>(static_cast<GLuint>(*data) + 1); // where the driver refused, it is any number
     }
 }
 

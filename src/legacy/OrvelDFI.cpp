@@ -17,7 +17,7 @@ constexpr int64_t kLongestFrameMicros = 125'000;
 } // namespace
 
 OrvelDFI& OrvelDFI::getInstance() {
-    static OrvelDFI instance;
+    static OrvelDFI& instance = *new OrvelDFI; // never destroyed: hooks may still run while the process ends
     return instance;
 }
 

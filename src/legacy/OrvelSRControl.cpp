@@ -12,7 +12,8 @@
 namespace android::orvel {
 
 OrvelSRControl& OrvelSRControl::getInstance() {
-    static OrvelSRControl instance;
+    static OrvelSRControl& instance =
+        *new OrvelSRControl; // never destroyed: hooks may still run while the process ends
     return instance;
 }
 

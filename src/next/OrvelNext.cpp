@@ -15,7 +15,7 @@ namespace {
 using ProcAddress = __eglMustCastToProperFunctionPointerType;
 
 // Name of an extension function to what puts its address, null included, into its slot.
-const std::unordered_map<std::string, void (*)(ProcAddress)> kExtSlots = {
+const auto& kExtSlots = *new std::unordered_map<std::string, void (*)(ProcAddress)>{
 #define ORVEL_EXT_SLOT(name)                                                                                           \
     {                                                                                                                  \
 #name, [](ProcAddress address) { ext.name = reinterpret_cast<decltype(ext.name)>(address); }                   \
@@ -72,7 +72,7 @@ void InitNextFunctions(egl_connection_t* cnx,
 
 bool HasExtensions(const char* name) {
     static std::mutex mutex;
-    static std::string extensions;
+    static auto& extensions = *new std::string; // never destroyed: a frame may end while the process ends
     const std::lock_guard lock(mutex);
     if (extensions.empty()) {
         const GLubyte* answer = platform.glGetString ? platform.glGetString(GL_EXTENSIONS) : nullptr;

@@ -11,7 +11,7 @@ namespace {
 
 jclass sActivityThread = nullptr; // global reference
 jmethodID sCurrentPackageName = nullptr;
-String8 sPackageName;
+auto& sPackageName = *new String8;
 
 /** A failed JNI call leaves an exception pending, and the game's next JNI call would abort on it. */
 bool failed(JNIEnv* env, const char* message) {

@@ -70,7 +70,7 @@ void GameInfoMonitor::start() {
         return;
     }
     if (mInotifyFd == -1) {
-        mInotifyFd = inotify_init();
+        mInotifyFd = inotify_init1(IN_CLOEXEC); // not for the programs that a game starts
     }
     if (mWatchFd == -1) {
         mWatchFd = inotify_add_watch(mInotifyFd, mPath.c_str(), IN_CLOSE_WRITE);

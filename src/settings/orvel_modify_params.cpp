@@ -32,9 +32,10 @@ int32_t mShadingRate = 0;
 bool mEnableAFModify = false;
 int32_t mTargetAFValue = -1;
 
-std::map<TYPE_ADAPT_SET, std::vector<TEX_SIZE>> mDeviceAdaptConfigMap;
-std::map<int32_t, std::vector<float>> mPostProcessLowParamsMap;
-std::vector<float> mPostprocessLowParam;
+std::map<TYPE_ADAPT_SET, std::vector<TEX_SIZE>>& mDeviceAdaptConfigMap =
+    *new std::map<TYPE_ADAPT_SET, std::vector<TEX_SIZE>>;
+std::map<int32_t, std::vector<float>>& mPostProcessLowParamsMap = *new std::map<int32_t, std::vector<float>>;
+std::vector<float>& mPostprocessLowParam = *new std::vector<float>;
 TEX_SIZE mGameSCSize;
 int32_t mShaderReplaceValue = -1;
 
@@ -43,8 +44,8 @@ bool mEnableYSTransferRecognize = false;
 bool mEnableYSLaunchRecognize = false;
 bool mEnableHkrpgSceneRecognize = false;
 bool mEnableHPTransferRecognize = false;
-sp<SceneRecognizer> mSceneRecognizer;
-std::map<HKRPG_SCENE, int32_t> mHkrpeMinmapTextureMap;
+sp<SceneRecognizer>& mSceneRecognizer = *new sp<SceneRecognizer>;
+std::map<HKRPG_SCENE, int32_t>& mHkrpeMinmapTextureMap = *new std::map<HKRPG_SCENE, int32_t>;
 
 std::atomic<bool> mEnableDynamicResolution{false};
 orvel::OrvelDRR* mOrvelDRR = nullptr;

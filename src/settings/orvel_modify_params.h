@@ -44,11 +44,12 @@ extern int32_t mShadingRate;
 extern bool mEnableAFModify;
 extern int32_t mTargetAFValue;
 
-extern std::map<com::velmor::ravelo::TYPE_ADAPT_SET, std::vector<com::velmor::ravelo::TEX_SIZE>> mDeviceAdaptConfigMap;
-extern std::map<int32_t, std::vector<float>> mPostProcessLowParamsMap; // low width to 16 upscaling constants
-extern std::vector<float> mPostprocessLowParam;                        // the entry in use; written by the size rules
-extern bool mIsYuanshenPostprocessLow;                                 // for good; written by the size rules
-extern com::velmor::ravelo::TEX_SIZE mGameSCSize;                      // size of the game's screenshots
+// References where there is memory to free: hooks may still read it while the process ends.
+extern std::map<com::velmor::ravelo::TYPE_ADAPT_SET, std::vector<com::velmor::ravelo::TEX_SIZE>>& mDeviceAdaptConfigMap;
+extern std::map<int32_t, std::vector<float>>& mPostProcessLowParamsMap; // low width to 16 upscaling constants
+extern std::vector<float>& mPostprocessLowParam;                        // the entry in use; written by the size rules
+extern bool mIsYuanshenPostprocessLow;                                  // for good; written by the size rules
+extern com::velmor::ravelo::TEX_SIZE mGameSCSize;                       // size of the game's screenshots
 extern int32_t mShaderReplaceValue;
 
 extern bool mEnableYSSceneRecognize;
@@ -56,8 +57,8 @@ extern bool mEnableYSTransferRecognize;
 extern bool mEnableYSLaunchRecognize;
 extern bool mEnableHkrpgSceneRecognize;
 extern bool mEnableHPTransferRecognize;
-extern sp<SceneRecognizer> mSceneRecognizer;                  // null unless one of the five is on
-extern std::map<HKRPG_SCENE, int32_t> mHkrpeMinmapTextureMap; // spelt so; texture names, written by recognition
+extern sp<SceneRecognizer>& mSceneRecognizer;                  // null unless one of the five is on
+extern std::map<HKRPG_SCENE, int32_t>& mHkrpeMinmapTextureMap; // spelt so; texture names, written by recognition
 
 // Atomic: cleared for good by the thread that meets an illegal size, read by every hook. Read it relaxed.
 extern std::atomic<bool> mEnableDynamicResolution;

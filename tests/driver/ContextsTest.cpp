@@ -1,4 +1,5 @@
 // The framework on Mesa: real contexts on real threads.
+#include "EveryGame.h"
 #include "GameProcess.h"
 
 #include <gmock/gmock.h>
@@ -121,30 +122,62 @@ TEST(Contexts, OneIsDestroyedWhileAnotherThreadDraws) {
     other.join();
 }
 
-// Catches a process that crashes on its way out because a render thread is still inside a hook. The thread only sets state
-// and swaps: Mesa itself does not stand drawing then.
-TEST(ContextsDeathTest, ProcessEndsWhileAnotherThreadSwaps) {
-    GTEST_FLAG_SET(death_test_style, "threadsafe");
-    const auto endWhileSwapping = [] {
-        new GameProcess(kPackage, kEveryContext); // no destructor runs on the way out
-        std::atomic<bool> swapped{false};
-        std::thread([&] {
-            const Context context;
-            context.makeCurrent();
-            for (;;) {
-                glDisable(GL_BLEND);
-                glBindFramebuffer(GL_FRAMEBUFFER, 0);
-                context.swap();
-                swapped = true;
-                swapped.notify_one();
+class EveryGamesContexts : public testing::TestWithParam<EveryGame> {};
+
+// Catches bookkeeping that two threads of one share group change at once, and handles that come again while others draw.
+// The features of the legacy games know one drawing context; their other threads load.
+TEST_P(EveryGamesContexts, WorkOnManyThreads) {
+    GameProcess game(GetParam().package, GetParam().withoutRepetition().c_str());
+    game.root().write("/data/system/mcd/gameInfo", "");
+    const bool draws = std::string(GetParam().configuration).find("xrender_BaseInfo") != std::string::npos;
+    const Context first;
+    ASSERT_TRUE(first.makeCurrent());
+    std::atomic<int> running{3};
+    const auto work = [&](int number) {
+        const Context own;
+        pthread_setname_np(pthread_self(), "Loader");
+        for (int round = 0; round < 8; ++round) {
+            const EGLContext shared = shareWith(number % 2 ? first : own);
+            ASSERT_TRUE(eglMakeCurrent(own.display, own.surface, own.surface, shared));
+            std::array<GLuint, 4> textures{};
+            glGenTextures(4, textures.data());
+            for (const GLuint texture : textures) {
+                glActiveTexture(GL_TEXTURE0 + texture % 4);
+                glBindTexture(GL_TEXTURE_2D, texture);
+                glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, 320, 180, 0, GL_RGBA, GL_UNSIGNED_BYTE, nullptr);
+                glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
+                glObjectLabel(GL_TEXTURE, texture, -1, "scene_ground_d");
             }
-        }).detach();
-        swapped.wait(false);
-        std::filesystem::remove_all(getenv("ORVEL_ROOT"));
-        std::exit(3);
+            std::string text = "precision mediump float; void main() { gl_FragColor = vec4(1.0); }";
+            const GLchar* texts[] = {text.c_str()};
+            const GLuint shader = glCreateShader(GL_FRAGMENT_SHADER);
+            glShaderSource(shader, 1, texts, nullptr);
+            glDeleteShader(shader);
+            for (int frame = 0; draws && frame < 3; ++frame) {
+                drawFrame(own, 102);
+            }
+            glDeleteTextures(4, textures.data());
+            EXPECT_EQ(glGetError(), GLenum(GL_NO_ERROR));
+            own.leave();
+            EXPECT_TRUE(eglDestroyContext(own.display, shared));
+        }
+        --running;
     };
-    EXPECT_EXIT(endWhileSwapping(), testing::ExitedWithCode(3), "");
+    std::thread threads[] = {std::thread(work, 0), std::thread(work, 1), std::thread(work, 2)};
+    while (running > 0) {
+        glBindTexture(GL_TEXTURE_2D, 0);
+        glBindFramebuffer(GL_FRAMEBUFFER, 0);
+        glClear(GL_COLOR_BUFFER_BIT);
+        ASSERT_TRUE(first.swap());
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    EXPECT_EQ(glGetError(), GLenum(GL_NO_ERROR));
 }
+
+INSTANTIATE_TEST_SUITE_P(All, EveryGamesContexts, testing::ValuesIn(kEveryGame),
+                         [](const auto& game) { return std::string(game.param.name); });
 
 // Catches queries that disagree about extensions, and one that is added at another place than the first.
 TEST(FrameworkGame, SeesOneListOfExtensions) {

@@ -186,3 +186,11 @@ std::string StateDump::differenceTo(const StateDump& before) const {
     }
     return lines;
 }
+
+std::string StateDump::text() const {
+    std::string lines;
+    for (const auto& [name, value] : mValues) {
+        lines += name + ": " + value + "\n";
+    }
+    return lines;
+}

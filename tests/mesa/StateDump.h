@@ -14,6 +14,8 @@ public:
     static StateDump take();
     /** @return what is not as in the other one, a line each */
     std::string differenceTo(const StateDump& before) const;
+    /** @return everything, a line each */
+    std::string text() const;
 
 private:
     std::map<std::string, std::string> mValues; // by the names of the header, with an index where there are many

@@ -216,7 +216,8 @@ void OrvelVisualEffectManager::CheckUpdateUniformParam() {
 }
 
 void OrvelVisualEffectManager::Render(OrvelStateTracker& tracker) {
-    if (!EnableRender()) {
+    // Asked beforehand: to draw where the game itself cannot would leave an error in its context.
+    if (!EnableRender() || gl.glCheckFramebufferStatus(GL_FRAMEBUFFER) != GL_FRAMEBUFFER_COMPLETE) {
         return;
     }
     tracker.StoreProgram();

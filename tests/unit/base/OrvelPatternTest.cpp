@@ -24,6 +24,17 @@ TEST(Pattern, MatchesInFull) {
     EXPECT_THAT(log.texts(ANDROID_LOG_ERROR), ElementsAre(StartsWith("bad pattern \"(unclosed\": ")));
 }
 
+// Catches numbers that overflow in the library's reader, and others that are refused with them.
+TEST(Pattern, RefusesNumbersThatFitNowhere) {
+    const LogCapture log;
+    for (const char* bad : {"a{1111111111}", "a{1,99999999999999999999}", "(a)\\4294967297", "a{1111111111"}) {
+        EXPECT_FALSE(OrvelPattern(bad).isValid()) << bad;
+    }
+    EXPECT_EQ(log.texts(ANDROID_LOG_ERROR).size(), 4u);
+    EXPECT_TRUE(OrvelPattern("\\{1111111111,2222222222").matches("{1111111111,2222222222"));
+    EXPECT_TRUE(OrvelPattern("(a{1,3})\\1").matches("aaaa"));
+}
+
 // Catches a label or a pattern that overflows a game thread's stack or never ends.
 TEST(Pattern, StandsLongTextsOnSmallStacks) {
     pthread_attr_t attributes;

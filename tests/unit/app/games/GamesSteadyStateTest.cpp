@@ -27,6 +27,7 @@ int sFiltersDrawn = 0;
 void takeFilters(gl_hooks_t& table) {
     auto& gl = table.gl;
     gl.glCreateProgram = [] { return GLuint{1}; };
+    gl.glCheckFramebufferStatus = [](GLenum) -> GLenum { return GL_FRAMEBUFFER_COMPLETE; };
     gl.glGetShaderiv = gl.glGetProgramiv = [](GLuint, GLenum, GLint* value) { *value = 1; };
     gl.glGetProgramInterfaceiv = [](GLuint, GLenum, GLenum, GLint* count) { *count = 2; };
     gl.glGetProgramResourceiv = [](GLuint, GLenum, GLuint, GLsizei, const GLenum*, GLsizei, GLsizei*, GLint* values) {

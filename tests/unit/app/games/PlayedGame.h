@@ -99,6 +99,7 @@ private:
     void takeEveryShader() {
         using Table = android::orvel::next::GlTable;
         mDriver.answer<&Table::glCreateProgram>([] { return 5; });
+        mDriver.answer<&Table::glCheckFramebufferStatus>([](GLenum) -> GLenum { return GL_FRAMEBUFFER_COMPLETE; });
         mDriver.answer<&Table::glGetShaderiv>([](GLuint, GLenum, GLint* value) { *value = 1; });
         mDriver.answer<&Table::glGetProgramiv>([](GLuint, GLenum, GLint* value) { *value = 1; });
         mDriver.answer<&Table::glGetProgramInterfaceiv>([](GLuint, GLenum, GLenum, GLint* count) { *count = 1; });
