@@ -255,7 +255,7 @@ TEST_P(EveryGameTest, SeesAndLeavesTheSameState) {
         const Context context;
         told << "current " << context.makeCurrent() << '\n';
         RandomGame game(told, context, 5);
-        for (int frame = 0; frame < 60; ++frame) {
+        for (int frame = 0; frame < 40; ++frame) {
             for (int call = 0; call < 60; ++call) {
                 game.call();
                 if (call % 20 == 19 && frame % 2) { // errors stay over the swap of every other frame
