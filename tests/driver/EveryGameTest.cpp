@@ -51,12 +51,7 @@ std::string play(const EveryGame* game, const std::function<void(Transcript&, co
         _exit(testing::Test::HasFailure() ? 1 : 0); // Mesa's threads are not asked to end
     }
     close(lines[1]);
-    std::string text;
-    char part[4096];
-    for (ssize_t count = 0; (count = read(lines[0], part, sizeof part)) > 0;) {
-        text.append(part, static_cast<size_t>(count));
-    }
-    close(lines[0]);
+    const std::string text = readToEnd(lines[0]);
     int status = -1;
     waitpid(child, &status, 0);
     EXPECT_EQ(status, 0) << (game ? "with" : "without") << " the library";

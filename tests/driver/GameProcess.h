@@ -53,6 +53,17 @@ struct Context {
     EGLContext context;
 };
 
+/** @return what comes out of a pipe until nobody can write any more; closes it */
+inline std::string readToEnd(int pipe) {
+    std::string text;
+    char part[4096];
+    for (ssize_t count = 0; (count = read(pipe, part, sizeof part)) > 0;) {
+        text.append(part, static_cast<size_t>(count));
+    }
+    close(pipe);
+    return text;
+}
+
 /** What the tuning service answers, whatever it is asked. */
 struct Answer {
     std::string text = {};

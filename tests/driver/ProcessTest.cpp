@@ -122,12 +122,7 @@ TEST_P(ForkingProcess, ChildrenInheritNothing) {
     }
     const pid_t child = startChild([] { return 0; });
     close(lines[1]);
-    std::string open;
-    char part[4096];
-    for (ssize_t count = 0; (count = read(lines[0], part, sizeof part)) > 0;) {
-        open.append(part, static_cast<size_t>(count));
-    }
-    close(lines[0]);
+    const std::string open = readToEnd(lines[0]);
     EXPECT_EQ(statusOf(other), 0);
     EXPECT_THAT(open, testing::AllOf(testing::HasSubstr("pipe:"), testing::Not(testing::HasSubstr("socket:")),
                                      testing::Not(testing::HasSubstr("inotify")),
