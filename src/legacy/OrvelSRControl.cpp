@@ -12,8 +12,8 @@
 namespace android::orvel {
 
 OrvelSRControl& OrvelSRControl::getInstance() {
-    static OrvelSRControl& instance =
-        *new OrvelSRControl; // never destroyed: hooks may still run while the process ends
+    // never destroyed: hooks may still run while the process ends
+    static auto& instance = *new OrvelSRControl;
     return instance;
 }
 

@@ -39,6 +39,7 @@ std::string play(const EveryGame* game, const std::function<void(Transcript&, co
             if (game && process.log().find("pid: ") == std::string::npos) {
                 told << "the library was not at work\n";
             }
+            EXPECT_TRUE(told.good());
             text = told.str();
         }
         for (size_t at = 0; at < text.size();) {
@@ -63,7 +64,7 @@ protected:
     static void expectTheSame(const std::function<void(Transcript&, const GameProcess&)>& doAll) {
         const std::string without = play(nullptr, doAll);
         const std::string with = play(&GetParam(), doAll);
-        EXPECT_GT(without.size(), 500u);
+        EXPECT_GT(without.size(), 100u);
         std::istringstream expected(without);
         std::istringstream found(with);
         std::string expectedLine;
@@ -79,7 +80,7 @@ protected:
 INSTANTIATE_TEST_SUITE_P(All, EveryGameTest, testing::ValuesIn(kEveryGame),
                          [](const auto& game) { return std::string(game.param.name); });
 
-/** Those of extensions are left out: the table has a hook where the driver has none. */
+/** Those of extensions are null, and left out: the table has a hook where the driver has none. */
 constexpr const char* kEveryCoreEntry[] = {
 #define GL_ENTRY(Result, name, params, args, providers) *(providers) ? nullptr : #name,
 #define EGL_ENTRY GL_ENTRY
@@ -199,8 +200,7 @@ public:
 
     /** The state is not asked first: that would take the errors that a swap must leave. */
     void swap(const GameProcess& process, int frame) {
-        constexpr const char* kWindows[] = {"full", "small"};
-        process.root().write("/data/system/mcd/gameInfo", liveValues(kWindows[frame % 2][0] == 's', frame));
+        process.root().write("/data/system/mcd/gameInfo", liveValues(frame));
         mTold << "swap " << mContext.swap() << '\n';
     }
 
@@ -215,13 +215,14 @@ public:
 private:
     static constexpr GLuint kFirstName = 1001;
 
-    static std::string liveValues(bool isSmall, int frame) {
-        std::string package = GetPackage();
+    /** Scene, quality, shading level, window, filter. */
+    static std::string liveValues(int frame) {
+        const std::string package = getenv("ORVEL_PACKAGE");
         const std::string number = std::to_string(frame % 9);
-        return "1 " + package + " " + number + "\n2 " + package + " 10 2\n3 " + package + " 2\n4 " + package +
-               (isSmall ? " 1\n5 " : " 0\n5 ") + package + " " + number + " 70 " + std::to_string(frame / 2 % 2) + "\n";
+        return "1 " + package + " " + number + "\n2 " + package + " 10 2\n3 " + package + " 2\n4 " + package + " " +
+               std::to_string(frame % 2) + "\n5 " + package + " " + number + " 70 " + std::to_string(frame / 2 % 2) +
+               "\n";
     }
-    static std::string GetPackage() { return getenv("ORVEL_PACKAGE"); }
 
     GLuint pick(size_t count) { return static_cast<GLuint>(mRandom() % count); }
     GLuint texture() { return kFirstName + pick(6); }
@@ -284,7 +285,9 @@ TEST_P(EveryGameTest, GetsTheSameAnswersOfEgl) {
             tell(name ? name : "null", isThere(name));
         }
         for (const char* name : kEveryCoreEntry) {
-            tell(name, isThere(name));
+            if (name) {
+                tell(name, isThere(name));
+            }
         }
         auto lookup = &eglGetProcAddress;
         for (int i = 0; i < 100 && lookup; ++i) {
@@ -359,7 +362,7 @@ TEST_P(EveryGameTest, MayPassTextsOfAnyLength) {
     });
 }
 
-// Catches a lock that is held, or a list that is walked, while the driver or the log calls the game, which calls again.
+// Catches a lock that is held, or a list that is walked, while the driver calls the game, which calls again.
 TEST_P(EveryGameTest, MayBeCalledFromWithinItsOwnCalls) {
     expectTheSame([](Transcript& told, const GameProcess& process) {
         static int calls = 0;
@@ -377,7 +380,6 @@ TEST_P(EveryGameTest, MayBeCalledFromWithinItsOwnCalls) {
             }
         };
         process.root().write("/data/system/mcd/gameInfo", "");
-        process.root().write("/properties", "vendor.orvel.debug=true\nlog.tag.libOrvel=V\n");
         const Context context;
         context.makeCurrent();
         RandomGame game(told, context, 7);
@@ -424,7 +426,7 @@ TEST_P(EveryGameTest, LoadsProgramBinariesAsTheyAre) {
         GLenum format = 0;
         GLsizei length = 0;
         glGetProgramBinary(program, size, &length, &format, binary.data());
-        told << std::string(500, '-') << "\nbytes " << length << ", format " << format << '\n';
+        told << "bytes " << length << ", format " << format << '\n';
         for (const GLsizei part : {length, length / 2, 0, -1}) {
             const GLuint other = glCreateProgram();
             glProgramBinary(other, format, binary.data(), part);
