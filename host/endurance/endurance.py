@@ -31,6 +31,8 @@ CHANGE_SECONDS = 0.5
 SERVICE_SECONDS = 20  # between two deaths of the service
 SETTLED_SECONDS = 60  # memory is to be flat from then on
 GROWTH_KIB = 4096     # the allocator's own ups and downs
+GROWTH_OBJECTS = 16   # images that are first needed late
+REPLACED_KIB = 176    # a render target that dynamic resolution replaced, which is kept: RGBA8, the mean of both sizes
 SIZES = {"--base": "320x180", "--window": "480x270"}
 
 # game: package, events, what short-lived contexts do; the features of the first three know one drawing context
@@ -40,6 +42,9 @@ GAMES = {"yuanshen": ("com.miHoYo.Yuanshen", ["boss", "teleport", "launch", "non
          "sgame": ("com.tencent.tmgp.sgame", ["heroes", "loading", "battle", "masked", "result", "none"], "draw"),
          "pubg": ("com.tencent.tmgp.pubgmhd", ["discard", "resolve", "crosshair", "loading", "none"], "draw"),
          "video": ("tv.danmaku.bili", ["none"], "draw")}
+
+OBJECTS = ["textures", "buffers", "framebuffers", "vertex arrays", "programs"]
+RESIZED = ["yuanshen", "hkrpg", "harrypotter"] # dynamic resolution is configured
 
 # Lines of error priority that the changes explain, and what explains them.
 EXPLAINED = [
@@ -80,6 +85,8 @@ class Run:
         self.tools = pathlib.Path(os.environ.get("ORVEL_BUILD", PROJECT / "build/release")) / "bin"
         self.memory = []  # seconds, KiB
         self.changes = collections.Counter()
+        self.frames = self.resident = self.growth = self.replaced = 0
+        self.objects = [0] * len(OBJECTS)
         self.problems = []
 
     def command(self):
@@ -148,7 +155,7 @@ class Run:
             self.service.wait()
 
     def judge(self):
-        """Fills problems; answers the row of the table."""
+        """Fills problems and what the row tells."""
         log = (self.out / f"{self.game}.log").read_text(errors="replace")
         # Copying a depth texture for another size names its attachment to glReadBuffer, which refuses it: agreed upon.
         gl_errors = [line for line in log.splitlines() if "GL error" in line and "0x0500" not in line]
@@ -159,16 +166,35 @@ class Run:
         for line, count in errors.items():
             if not any(re.search(pattern, line) for pattern, _ in EXPLAINED):
                 self.problems.append(f"{count} times in the log: {line}")
+        self.judge_growth()
+
+    def judge_growth(self):
+        """What more there is at the end than after the first minute."""
+        names = [list(map(int, row)) for row in list(csv.reader(open(self.out / f"{self.game}.names.csv")))[1:]]
+        if not names:
+            self.problems.append("drew no 100 frames")
+            return
+        self.frames = names[-1][0]
+        first = names[min(int(len(names) * SETTLED_SECONDS / self.seconds), len(names) - 1)]
+        self.objects = [names[-1][i] - first[i] for i in (1, 3, 5, 7, 9)]
+        self.replaced = max(self.objects[0], 0) if self.game in RESIZED else 0
+        for kind, more in zip(OBJECTS, self.objects):
+            if more > GROWTH_OBJECTS and not (kind == "textures" and self.replaced):
+                self.problems.append(f"{more} more {kind}")
         settled = [kib for at, kib in self.memory if at >= SETTLED_SECONDS]
-        growth = 0
         if len(settled) >= 20:
             part = len(settled) // 5
             median = lambda values: sorted(values)[len(values) // 2]
-            growth = median(settled[-part:]) - median(settled[:part])
-            if growth > GROWTH_KIB:
-                self.problems.append(f"memory grew by {growth} KiB")
-        names = list(csv.reader(open(self.out / f"{self.game}.names.csv")))[1:]
-        return growth, settled, [list(map(int, row)) for row in names]
+            self.resident = median(settled[:part])
+            self.growth = median(settled[-part:]) - self.resident
+            if self.growth > GROWTH_KIB + self.replaced * REPLACED_KIB:
+                self.problems.append(f"memory grew by {self.growth} KiB, {self.replaced} textures were replaced")
+        with open(self.out / f"{self.game}.memory.csv", "w") as file:
+            file.write("seconds,KiB\n" + "".join(f"{at:.1f},{kib}\n" for at, kib in self.memory))
+
+    def row(self):
+        return (f"| {self.game} | {self.frames} | {sum(self.changes.values())} | {self.resident} | {self.growth:+} | "
+                f"{' '.join(f'{n:+}' for n in self.objects)} | {self.replaced} | {len(self.problems)} |")
 
 
 def main():
@@ -194,18 +220,13 @@ def main():
         for thread in threads:
             thread.join()
         for run in runs:
-            growth, settled, names = run.judge()
-            first, last = (names[min(len(names) - 1, 3)], names[-1]) if names else ([0] * 11, [0] * 11)
-            alive = [last[i] - first[i] for i in (1, 3, 5, 7, 9)]
-            textures_made = last[2] - first[2] - (len(names) - 1)
-            rows.append(f"| {run.game} | {last[0]} | {sum(run.changes.values())} | {settled[0] if settled else 0} | {growth:+} "
-                        f"| {' '.join(f'{n:+}' for n in alive)} | {textures_made} | {len(run.problems)} |")
+            run.judge()
+            rows.append(run.row())
             for problem in run.problems:
                 print(f"{run.game}: {problem}")
             problems += len(run.problems)
-    table = ("| game | frames | changes | resident KiB after a minute | growth until the end | textures, buffers, framebuffers, "
-             "vertex arrays, programs more at the end | textures made | problems |\n|---|---|---|---|---|---|---|---|\n" +
-             "\n".join(rows) + "\n")
+    table = (f"| game | frames | changes | resident KiB after a minute | more at the end | {', '.join(OBJECTS)} more at the end "
+             "| replaced textures that are kept | problems |\n|---|---|---|---|---|---|---|---|\n" + "\n".join(rows) + "\n")
     (out / "table.md").write_text(table)
     print(table)
     sys.exit(bool(problems))

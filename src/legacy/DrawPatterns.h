@@ -1,10 +1,11 @@
 // How sequences of draws are followed: short histories of element counts, and positions in fixed patterns.
 #pragma once
 
+#include "base/Relaxed.h"
+
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 
 namespace android::orvel {
 
@@ -13,10 +14,10 @@ constexpr int32_t kBrokenPattern = -1; // a position: nothing matches before the
 
 /** Appends to a history, oldest first, whose oldest value falls out. */
 template <size_t N>
-void appendToHistory(int32_t (&history)[N], int32_t value) {
-    int32_t kept[N - 1]; // on the way through registers: moved in place they would cost a call
-    std::memcpy(kept, history + 1, sizeof kept);
-    std::memcpy(history, kept, sizeof kept);
+void appendToHistory(Relaxed<int32_t> (&history)[N], int32_t value) {
+    for (size_t i = 1; i < N; ++i) {
+        history[i - 1] = int32_t{history[i]};
+    }
     history[N - 1] = value;
 }
 
@@ -28,23 +29,19 @@ void appendToHistory(int32_t (&history)[N], int32_t value) {
  * @return whether the pattern is complete; its position is then broken, as after a count that does not match
  */
 template <size_t N>
-bool followPattern(const int32_t (&pattern)[N], int32_t wildcard, int32_t& position, int32_t count) {
+bool followPattern(const int32_t (&pattern)[N], int32_t wildcard, Relaxed<int32_t>& position, int32_t count) {
+    const int32_t now = position; // read once: another thread may follow it, too
     if (count == 0) {
-        position = std::max(position, 0);
+        position = std::max(now, 0);
         return false;
     }
-    if (count < 0 || position < 0) {
+    if (count < 0 || now < 0) {
         return false;
     }
-    if (position != wildcard && count != pattern[position]) {
-        position = kBrokenPattern;
-        return false;
-    }
-    if (++position < static_cast<int32_t>(N)) {
-        return false;
-    }
-    position = kBrokenPattern;
-    return true;
+    const bool matches = now == wildcard || count == pattern[now];
+    const bool ends = now + 1 == static_cast<int32_t>(N);
+    position = matches && !ends ? now + 1 : kBrokenPattern;
+    return matches && ends;
 }
 
 } // namespace android::orvel

@@ -1,18 +1,21 @@
 #include "legacy/HkrpgScenes.h"
 
-#include "base/OrvelLog.h"
+#include "base/OrvelGuard.h"
+#include "base/OrvelTurn.h"
 #include "legacy/SceneRecognizer.h"
 
 #include <cstring>
 
 namespace android {
 
-uint32_t mAvatarIconTexture = ~0u;
-bool mAvatarIconTextureExist = false;
-int32_t mCurrentHkrpgScene = HKRPG_SCENE_NONE;
-int32_t mLastHkrpgScene = HKRPG_SCENE_NONE;
+constinit orvel::Relaxed<uint32_t> mAvatarIconTexture = ~0u;
+constinit orvel::Relaxed<bool> mAvatarIconTextureExist = false;
+constinit orvel::Relaxed<int32_t> mCurrentHkrpgScene = HKRPG_SCENE_NONE;
+constinit orvel::Relaxed<int32_t> mLastHkrpgScene = HKRPG_SCENE_NONE;
 
 namespace {
+
+constinit orvel::OrvelTurns sTurns; // at the map
 
 constexpr char kAvatarIconLabel[] = "AvatarIcon";
 constexpr struct {
@@ -31,6 +34,17 @@ void report(int32_t scene) {
     mLastHkrpgScene = scene;
 }
 
+void takeSceneOf(unsigned tex) {
+    if (const orvel::OrvelTurn turn(sTurns, orvel::OrvelTurn::ASK); turn) {
+        for (const auto& [scene, minimap] : mHkrpeMinmapTextureMap) {
+            if (minimap == static_cast<int32_t>(tex)) {
+                mCurrentHkrpgScene = scene;
+                break;
+            }
+        }
+    }
+}
+
 } // namespace
 
 void markLabelledHkrpgTexture(unsigned& name, const char* label) noexcept {
@@ -40,10 +54,8 @@ void markLabelledHkrpgTexture(unsigned& name, const char* label) noexcept {
     }
     for (const auto& minimap : kMinimaps) {
         if (std::strcmp(label, minimap.label) == 0) {
-            try {
-                mHkrpeMinmapTextureMap[minimap.scene] = static_cast<int32_t>(name);
-            } catch (...) {
-                ORVEL_LOGE("markHkrpgTexture: out of memory");
+            if (const orvel::OrvelTurn turn(sTurns, orvel::OrvelTurn::WAIT); turn) {
+                orvel::guarded("markHkrpgTexture", [&] { mHkrpeMinmapTextureMap[minimap.scene] = int32_t(name); });
             }
             return;
         }
@@ -52,12 +64,7 @@ void markLabelledHkrpgTexture(unsigned& name, const char* label) noexcept {
 
 void recognizeBoundHkrpgTexture(unsigned& tex) noexcept {
     if (mCurrentHkrpgScene == HKRPG_SCENE_NONE) {
-        for (const auto& [scene, minimap] : mHkrpeMinmapTextureMap) {
-            if (minimap == static_cast<int32_t>(tex)) {
-                mCurrentHkrpgScene = scene;
-                break;
-            }
-        }
+        takeSceneOf(tex);
     }
     if (tex == mAvatarIconTexture) {
         mAvatarIconTextureExist = true;

@@ -1,16 +1,18 @@
 // Hkrpg's scenes are told apart by their minimap: a labelled texture, bound in a frame that binds the avatar's icon, too.
 #pragma once
 
+#include "base/Relaxed.h"
 #include "settings/orvel_modify_params.h"
 
 #include <cstdint>
 
 namespace android {
 
-extern uint32_t mAvatarIconTexture;  // -1 until one was labelled: 0 would make every unbind count as the icon
-extern bool mAvatarIconTextureExist; // bound in this frame
-extern int32_t mCurrentHkrpgScene;   // of this frame, 0 none
-extern int32_t mLastHkrpgScene;      // reported last
+extern orvel::Relaxed<uint32_t>
+    mAvatarIconTexture; // -1 until one was labelled: 0 would make every unbind count as the icon
+extern orvel::Relaxed<bool> mAvatarIconTextureExist; // bound in this frame
+extern orvel::Relaxed<int32_t> mCurrentHkrpgScene;   // of this frame, 0 none
+extern orvel::Relaxed<int32_t> mLastHkrpgScene;      // reported last
 
 // What the hooks call. Each does nothing unless the switch is on and the recogniser exists.
 

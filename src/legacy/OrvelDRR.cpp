@@ -46,6 +46,10 @@ void OrvelDRR::updateTexDetailMap(unsigned format, int width, int height) {
     if (!contains(mBaseSizes, width, height)) {
         return;
     }
+    const OrvelTurn turn(mTurns, OrvelTurn::WAIT);
+    if (!turn) {
+        return;
+    }
     ORVEL_LOGD_IF(mDebug, "OrvelDRR, record tex detail, tex: %d", static_cast<int>(mCurrentTexture));
     TextureDetail detail; // of a texture that was recorded before, too: it starts without a replacement again
     detail.format = format;
@@ -55,6 +59,10 @@ void OrvelDRR::updateTexDetailMap(unsigned format, int width, int height) {
 }
 
 void OrvelDRR::updateFramebufferDetailMap(unsigned attachment, unsigned& texture) {
+    const OrvelTurn turn(mTurns, OrvelTurn::WAIT);
+    if (!turn) {
+        return;
+    }
     const auto recorded = mTexDetailMap.find(texture);
     if (recorded == mTexDetailMap.end()) {
         return; // deliberately also for a detaching 0: the next switch attaches the replacement again
@@ -74,6 +82,10 @@ void OrvelDRR::updateFramebufferDetailMap(unsigned attachment, unsigned& texture
 }
 
 void OrvelDRR::deleteTextures(int n, const unsigned* ids) noexcept {
+    const OrvelTurn turn(mTurns, OrvelTurn::WAIT);
+    if (!turn) {
+        return;
+    }
     for (int i = 0; ids && i < n; ++i) {
         const auto deleted = mTexDetailMap.find(ids[i]);
         if (deleted == mTexDetailMap.end()) {
@@ -94,6 +106,10 @@ void OrvelDRR::deleteTextures(int n, const unsigned* ids) noexcept {
 }
 
 void OrvelDRR::deleteFramebuffers(int n, const unsigned* ids) noexcept {
+    const OrvelTurn turn(mTurns, OrvelTurn::WAIT);
+    if (!turn) {
+        return;
+    }
     for (int i = 0; ids && i < n; ++i) {
         const auto deleted = mFramebufferDetailMap.find(ids[i]);
         if (deleted == mFramebufferDetailMap.end()) {
@@ -147,6 +163,13 @@ void OrvelDRR::activeTexture(unsigned) {
     GLint binding = -1;
     next::gl.glGetIntegerv(GL_TEXTURE_BINDING_2D, &binding);
     const auto bound = static_cast<GLuint>(binding);
+    if (!mAnyReplaced) {
+        return;
+    }
+    const OrvelTurn turn(mTurns, OrvelTurn::ASK);
+    if (!turn) {
+        return;
+    }
 
     const auto replacementOf = [this](GLuint texture) {
         const auto recorded = mTexDetailMap.find(texture);

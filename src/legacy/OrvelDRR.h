@@ -4,6 +4,8 @@
 // binds or attaches its own texture, while sizes that the game passes are rewritten to match.
 #pragma once
 
+#include "base/OrvelTurn.h"
+#include "base/Relaxed.h"
 #include "legacy/DrConfigFile.h"
 #include "settings/OrvelTexSize.h"
 #include "settings/orvel_modify_params.h"
@@ -20,8 +22,8 @@ namespace android {
 namespace orvel {
 
 /**
- * Records render targets and replaces them. One instance; the game's rendering thread only, with a single context: a
- * game that makes textures on a loading thread as well would need a lock here, and gets none.
+ * Records render targets and replaces them. One instance, made for the game's rendering thread and a single context:
+ * what was bound last is taken to be that thread's. Another thread of the game, which loads, does no harm to the records.
  */
 class OrvelDRR {
 public:
@@ -61,6 +63,13 @@ public:
     /** Records that a recorded texture is attached to the framebuffer bound last, and puts its replacement in. */
     void updateFramebufferDetailMap(unsigned attachment, unsigned& texture);
     void modifyBindedTexture(unsigned& texture) const noexcept {
+        if (!mAnyReplaced) {
+            return;
+        }
+        const OrvelTurn turn(mTurns, OrvelTurn::ASK);
+        if (!turn) {
+            return;
+        }
         const auto recorded = mTexDetailMap.find(texture);
         if (recorded != mTexDetailMap.end() && recorded->second.newTex != kNoName) {
             texture = recorded->second.newTex;
@@ -143,30 +152,32 @@ private:
     const int32_t mUpdateInterval; // milliseconds
     const std::string mPackageName;
     int64_t mLastUpdateTime = 0; // nanoseconds of the monotonic clock
+    mutable OrvelTurns mTurns;   // at the maps, the target and the time
     std::map<uint32_t, TextureDetail> mTexDetailMap;
     std::map<uint32_t, FramebufferDetail> mFramebufferDetailMap;
     std::map<uint32_t, uint32_t> mNewTexOriginMap; // replacement to the game's texture; kept for Hkrpg only
-    uint32_t mCurrentTexture = 0;                  // the game's own name
-    uint32_t mCurrentFramebufferTarget;
-    uint32_t mCurrentFramebuffer = 0;
-    int32_t mAppliedWidth = kNoSize; // what base sizes are rewritten to
-    int32_t mAppliedHeight = kNoSize;
+    Relaxed<bool> mAnyReplaced = false;            // for good, so that binds before the first switch look nothing up
+    Relaxed<uint32_t> mCurrentTexture = 0;         // the game's own name
+    Relaxed<uint32_t> mCurrentFramebufferTarget;
+    Relaxed<uint32_t> mCurrentFramebuffer = 0;
+    Relaxed<int32_t> mAppliedWidth = kNoSize; // what base sizes are rewritten to
+    Relaxed<int32_t> mAppliedHeight = kNoSize;
     int32_t mTargetWidth = kNoSize; // what the configuration asked for last
     int32_t mTargetHeight = kNoSize;
     int32_t mPreTargetWidth = kNoSize; // the target of the last switch
     int32_t mPreTargetHeight = kNoSize;
-    int32_t mOriginWidth = kNoSize; // the last base size that the game passed
-    int32_t mOriginHeight = kNoSize;
-    uint32_t mCurrentProgram = kNoName;
+    Relaxed<int32_t> mOriginWidth = kNoSize; // the last base size that the game passed
+    Relaxed<int32_t> mOriginHeight = kNoSize;
+    Relaxed<uint32_t> mCurrentProgram = kNoName;
     const std::vector<TEX_SIZE> mBaseSizes;
     const std::vector<TEX_SIZE> mAvailableSizes;
     const std::vector<TEX_SIZE> mIllegalSizes;
-    bool mExistIllegalShader = false; // for good: from here on no switch
+    Relaxed<bool> mExistIllegalShader = false; // for good: from here on no switch
     const char* const mIllegalProgramLabel = "Dynamic Sky/Cube Ground Cloud";
-    uint32_t mIllegalProgram = kNoName;
+    Relaxed<uint32_t> mIllegalProgram = kNoName;
     const char* const mRestoreTextureLabel = "CameraDesc";
-    uint32_t mRestoreTexture = kNoName;
-    bool mRestoreTextureBound = false; // since the last swap
+    Relaxed<uint32_t> mRestoreTexture = kNoName;
+    Relaxed<bool> mRestoreTextureBound = false; // since the last swap
     const bool mRebindsOnActiveTexture;
     DrConfigFile mConfigFile;
 };

@@ -29,6 +29,10 @@ bool isFilteredLinearly(uint32_t format) {
 } // namespace
 
 void OrvelDRR::onEglSwapBuffersEnd() {
+    const OrvelTurn turn(mTurns, OrvelTurn::ASK);
+    if (!turn) {
+        return;
+    }
     constexpr int64_t kNanosPerMilli = 1'000'000;
     const int64_t now = monotonicNanos();
     mForceRestore = mForceRestore || mRestoreTextureBound;
@@ -184,6 +188,7 @@ void OrvelDRR::genNewTex(unsigned tex) {
         detail.oldHeight = static_cast<uint32_t>(mPreTargetHeight);
     }
     detail.newTex = newTex;
+    mAnyReplaced = true;
     next::gl.glBindTexture(GL_TEXTURE_2D, 0);
     ORVEL_LOGD_IF(mDebug, "OrvelDRR, genNewTex, tex: %d, newTex: %d", static_cast<int>(tex), static_cast<int>(newTex));
 }
@@ -223,8 +228,8 @@ void OrvelDRR::copyTex(unsigned tex, unsigned, unsigned attachment, unsigned mas
                   "mCurrentWidth%d, mCurrentHeight%d,mTargetWidth%d,mTargetHeight%d,mTexDetailMap[tex].oldWidth %d, "
                   "mTexDetailMap[tex].oldHeight %d",
                   static_cast<int>(mCurrentTexture), static_cast<int>(tex), static_cast<int>(detail.newTex),
-                  static_cast<int>(mCurrentFramebuffer), mAppliedWidth, mAppliedHeight, mTargetWidth, mTargetHeight,
-                  static_cast<int>(detail.oldWidth), static_cast<int>(detail.oldHeight));
+                  static_cast<int>(mCurrentFramebuffer), int{mAppliedWidth}, int{mAppliedHeight}, mTargetWidth,
+                  mTargetHeight, static_cast<int>(detail.oldWidth), static_cast<int>(detail.oldHeight));
 }
 
 } // namespace android::orvel

@@ -89,7 +89,9 @@ void OrvelSRControl::updateBackbufferSize() {
 
 void OrvelSRControl::recordFSRProgramByProgramLabel(unsigned type, unsigned name, const char* label) {
     if (hasSizes() && type == GL_PROGRAM_OBJECT_EXT && std::strcmp(label, "Hidden/PostProcessing/Copy") == 0) {
-        guarded("super resolution", [&] { mFSRPrograms.insert(name); });
+        if (const OrvelTurn turn(mTurns, OrvelTurn::WAIT); turn) {
+            guarded("super resolution", [&] { mFSRPrograms.insert(name); });
+        }
     }
 }
 
@@ -100,7 +102,7 @@ void OrvelSRControl::hookForPostprocess() {
     // A query that fails leaves these values; those that decide fit no final copy.
     GLint program = 0;
     next::gl.glGetIntegerv(GL_CURRENT_PROGRAM, &program);
-    if (!mFSRPrograms.contains(static_cast<uint32_t>(program))) {
+    if (const OrvelTurn turn(mTurns, OrvelTurn::ASK); !turn || !mFSRPrograms.contains(static_cast<uint32_t>(program))) {
         return;
     }
     GLint texture = -1;

@@ -1,6 +1,7 @@
 // Super resolution: decides when the game's final image is upscaled.
 #pragma once
 
+#include "base/OrvelTurn.h"
 #include "legacy/OrvelSR.h"
 #include "legacy/SwitchFile.h"
 
@@ -65,6 +66,7 @@ private:
     int32_t mBaseSRHeightSize = 0;
     int32_t mTargetSRWidthSize = 0; // of the upscaled one
     int32_t mTargetSRHeightSize = 0;
+    OrvelTurns mTurns;                         // at the programs
     std::unordered_set<uint32_t> mFSRPrograms; // only grows: a game makes its copy programs once
     OrvelSR mSR;
     std::atomic<int32_t> mSwitchStatusSR{std::numeric_limits<int32_t>::max()}; // 1 on, anything else off

@@ -7,8 +7,8 @@
 namespace android {
 
 void SceneRecognizer::updateTexSizeArr(int32_t width, int32_t height) {
-    mTexSizeArr[0] = mTexSizeArr[2];
-    mTexSizeArr[1] = mTexSizeArr[3];
+    mTexSizeArr[0] = int32_t{mTexSizeArr[2]};
+    mTexSizeArr[1] = int32_t{mTexSizeArr[3]};
     mTexSizeArr[2] = width;
     mTexSizeArr[3] = height;
 }
@@ -16,18 +16,18 @@ void SceneRecognizer::updateTexSizeArr(int32_t width, int32_t height) {
 void SceneRecognizer::recognizeHkrpgScene(int32_t scene) {
     constexpr SceneId kIds[] = {SCENE_ORDINARY, SCENE_HKRPG_CITY, SCENE_HKRPG_X2, SCENE_HKRPG_X21, SCENE_HKRPG_SQUARE};
     if (0 <= scene && scene < static_cast<int32_t>(std::size(kIds))) {
-        mHkrpgSceneId.store(kIds[scene], std::memory_order_relaxed);
+        mHkrpgSceneId = kIds[scene];
     }
     increment(mHkrpgSceneCount);
 }
 
 void SceneRecognizer::countTransfer(const char* recogniser) {
-    ORVEL_LOGI("%s transferring: %d!", recogniser, mTransferCount.load(std::memory_order_relaxed));
+    ORVEL_LOGI("%s transferring: %d!", recogniser, int32_t{mTransferCount});
     increment(mTransferCount);
 }
 
 void SceneRecognizer::countLaunch() {
-    ORVEL_LOGI("checkLaunchPattern launching: %d!", mLaunchCount.load(std::memory_order_relaxed));
+    ORVEL_LOGI("checkLaunchPattern launching: %d!", int32_t{mLaunchCount});
     increment(mLaunchCount);
 }
 

@@ -2,11 +2,11 @@
 // by labels: HkrpgScenes.h.
 #pragma once
 
+#include "base/Relaxed.h"
 #include "legacy/DrawPatterns.h"
 #include "settings/orvel_modify_params.h"
 
 #include <algorithm>
-#include <atomic>
 #include <cstdint>
 #include <iterator>
 #include <utils/Thread.h>
@@ -71,32 +71,31 @@ public:
 private:
     status_t readyToRun() override;
 
-    // Counts and ids cross from the rendering to the reporting thread: relaxed, and read and written in two steps. A
-    // count that lands between the thread's look and its clearing is lost, which is accepted.
-    using Shared = std::atomic<int32_t>;
+    // Counts and ids cross from the rendering to the reporting thread, and are read and written in two steps. A count
+    // that lands between the thread's look and its clearing is lost, which is accepted; so is what another thread of the
+    // game mixes in.
+    using Shared = orvel::Relaxed<int32_t>;
 
     static constexpr int32_t mTransferPattern[7] = {6, 108, -1, 6, 6, 6, 420};
     static constexpr int32_t mLaunchPattern[18] = {6, 60, 6, 6, 6, 6, 6, 6, 6, 6, 6, 6, 6, 6, 6, 6, 6, 420};
 
     // A load and a store instead of one indivisible step.
-    static void increment(Shared& counter) {
-        counter.store(counter.load(std::memory_order_relaxed) + 1, std::memory_order_relaxed);
-    }
+    static void increment(Shared& counter) { counter = counter + 1; }
     [[gnu::cold]] void countTransfer(const char* recogniser);
     [[gnu::cold]] void countLaunch();
     SceneId chooseScene() const;
 
     int32_t mLastSceneId = 0; // chosen last by the thread
-    Shared mBossCount{0};
-    int32_t mTexSizeArr[4] = {};  // width and height of the last bind but one, then of the last
-    int32_t mEleCountArr[4] = {}; // oldest first
-    Shared mTransferCount{0};
-    Shared mLaunchCount{0};
-    int32_t mTransferIndex = orvel::kBrokenPattern; // positions in the patterns
-    int32_t mLaunchIndex = orvel::kBrokenPattern;
-    Shared mHkrpgSceneCount{0};
+    Shared mBossCount;
+    Shared mTexSizeArr[4];  // width and height of the last bind but one, then of the last
+    Shared mEleCountArr[4]; // oldest first
+    Shared mTransferCount;
+    Shared mLaunchCount;
+    Shared mTransferIndex = orvel::kBrokenPattern; // positions in the patterns
+    Shared mLaunchIndex = orvel::kBrokenPattern;
+    Shared mHkrpgSceneCount;
     Shared mHkrpgSceneId{SCENE_ORDINARY};
-    int32_t mHPEleCountArr[5] = {}; // oldest first
+    Shared mHPEleCountArr[5]; // oldest first
 };
 
 inline void SceneRecognizer::updateEleCountArr(const int& count) { orvel::appendToHistory(mEleCountArr, count); }
@@ -106,7 +105,7 @@ inline void SceneRecognizer::checkBossPattern() {
     if (!std::equal(std::begin(kSizes), std::end(kSizes), mTexSizeArr)) {
         return;
     }
-    const auto& [e0, e1, e2, e3] = mEleCountArr;
+    const int32_t e0 = mEleCountArr[0], e1 = mEleCountArr[1], e2 = mEleCountArr[2], e3 = mEleCountArr[3];
     if ((e1 == 162 && e2 == 54 && e3 == 54) || (e0 == 162 && e1 == 54 && e2 % 6 == 0 && e3 == 54)) {
         increment(mBossCount);
     }

@@ -27,8 +27,7 @@ constexpr char kServiceName[] = "velmor.ravelo";
 constexpr char kServiceInterface[] = "com.velmor.ravelo.IRaveloInterface";
 constexpr uint32_t kTransactionScene = 3;
 
-bool isCounted(const std::atomic<int32_t>& counter) { return counter.load(std::memory_order_relaxed) >= 1; }
-void clear(std::atomic<int32_t>& counter) { counter.store(0, std::memory_order_relaxed); }
+bool isCounted(int32_t counter) { return counter >= 1; }
 
 } // namespace
 
@@ -68,8 +67,8 @@ bool SceneRecognizer::threadLoop() {
     const SceneId scene = chooseScene();
     if (scene == SCENE_ORDINARY && isCounted(mHkrpgSceneCount)) {
         // Deliberately apart from the scenes below: sent at once, once, and also when it was just sent.
-        sendSceneIdToRavelo(mHkrpgSceneId.load(std::memory_order_relaxed));
-        clear(mHkrpgSceneCount);
+        sendSceneIdToRavelo(mHkrpgSceneId);
+        mHkrpgSceneCount = 0;
         orvel::sleepMicros(kPeriodMicros);
         return true;
     }
@@ -81,9 +80,9 @@ bool SceneRecognizer::threadLoop() {
         sendSceneIdToRavelo(scene);
         --mRemainSendTimes;
     }
-    clear(mBossCount);
-    clear(mTransferCount);
-    clear(mLaunchCount);
+    mBossCount = 0;
+    mTransferCount = 0;
+    mLaunchCount = 0;
     orvel::sleepMicros(kPeriodMicros);
     return true;
 }

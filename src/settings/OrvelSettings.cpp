@@ -41,8 +41,9 @@ private:
 
 std::mutex sRemoteBinderMutex; // taken by the start-up thread and the binder thread only
 
-// A binder holds its recipients weakly: without this reference no notice would ever come.
-sp<IBinder::DeathRecipient> sLastRecipient;
+// A binder holds its recipients weakly: without this reference no notice would ever come. It is never destroyed, since
+// one may come while the process ends.
+auto& sLastRecipient = *new sp<IBinder::DeathRecipient>;
 
 int32_t read(const std::atomic<int32_t>& field) { return field.load(std::memory_order_relaxed); }
 

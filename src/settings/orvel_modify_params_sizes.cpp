@@ -12,7 +12,7 @@ namespace android {
 using com::velmor::ravelo::TEX_SIZE;
 using com::velmor::ravelo::TYPE_ADAPT_SET;
 
-bool mIsYuanshenPostprocessLow = false;
+constinit orvel::Relaxed<bool> mIsYuanshenPostprocessLow = false;
 
 namespace {
 

@@ -2,6 +2,7 @@
 #include "EveryGame.h"
 #include "GameProcess.h"
 
+#include <GLES2/gl2ext.h>
 #include <gmock/gmock.h>
 
 #include <array>
@@ -122,21 +123,31 @@ TEST(Contexts, OneIsDestroyedWhileAnotherThreadDraws) {
     other.join();
 }
 
-class FrameworkContexts : public testing::TestWithParam<EveryGame> {};
+class EveryGameContexts : public testing::TestWithParam<EveryGame> {};
 
 // Catches bookkeeping that two threads of one share group change at once, and handles that come again while others draw.
-// The features of the legacy games know one context, so they are left out.
-TEST_P(FrameworkContexts, WorkOnManyThreads) {
+// The legacy features know one context: there the other threads share it and load, while targets are switched.
+TEST_P(EveryGameContexts, WorkOnManyThreads) {
     GameProcess game(GetParam().package, GetParam().withoutRepetition().c_str());
     game.root().write("/data/system/mcd/gameInfo", "");
+    const bool isLegacy = GetParam().configuration == kEveryLegacyFeature;
     const Context first;
     ASSERT_TRUE(first.makeCurrent());
+    GLuint target = 0;
+    GLuint framebuffer = 0;
+    glGenTextures(1, &target);
+    glBindTexture(GL_TEXTURE_2D, target);
+    glTexStorage2D(GL_TEXTURE_2D, 1, GL_RGBA8, 320, 180);
+    glGenFramebuffers(1, &framebuffer);
+    glBindFramebuffer(GL_FRAMEBUFFER, framebuffer);
+    glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, target, 0);
+    const auto label = reinterpret_cast<PFNGLLABELOBJECTEXTPROC>(eglGetProcAddress("glLabelObjectEXT"));
     std::atomic<int> running{3};
     const auto work = [&](int number) {
         const Context own;
         pthread_setname_np(pthread_self(), "Loader");
         for (int round = 0; round < 8; ++round) {
-            const EGLContext shared = shareWith(number % 2 ? first : own);
+            const EGLContext shared = shareWith(isLegacy || number % 2 ? first : own);
             ASSERT_TRUE(eglMakeCurrent(own.display, own.surface, own.surface, shared));
             std::array<GLuint, 4> textures{};
             glGenTextures(4, textures.data());
@@ -146,13 +157,19 @@ TEST_P(FrameworkContexts, WorkOnManyThreads) {
                 glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, 320, 180, 0, GL_RGBA, GL_UNSIGNED_BYTE, nullptr);
                 glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
                 glObjectLabel(GL_TEXTURE, texture, -1, "scene_ground_d");
+                label(GL_TEXTURE, texture, 0, "Minimap_Chap02_ADV_City_BackGround");
+                GLuint storage = 0;
+                glGenTextures(1, &storage);
+                glBindTexture(GL_TEXTURE_2D, storage);
+                glTexStorage2D(GL_TEXTURE_2D, 1, GL_RGBA8, 320, 180);
+                glDeleteTextures(1, &storage);
             }
             std::string text = "precision mediump float; void main() { gl_FragColor = vec4(1.0); }";
             const GLchar* texts[] = {text.c_str()};
             const GLuint shader = glCreateShader(GL_FRAGMENT_SHADER);
             glShaderSource(shader, 1, texts, nullptr);
             glDeleteShader(shader);
-            for (int frame = 0; frame < 3; ++frame) {
+            for (int frame = 0; frame < 3 && !isLegacy; ++frame) {
                 drawFrame(own, 102);
             }
             glDeleteTextures(4, textures.data());
@@ -163,8 +180,15 @@ TEST_P(FrameworkContexts, WorkOnManyThreads) {
         --running;
     };
     std::thread threads[] = {std::thread(work, 0), std::thread(work, 1), std::thread(work, 2)};
-    while (running > 0) {
-        glBindTexture(GL_TEXTURE_2D, 0);
+    for (int frame = 0; running > 0; ++frame) {
+        if (frame % 10 == 0) {
+            const std::string size = frame % 20 ? "320 180" : "240 136";
+            game.root().write("/data/system/mcd/dr", std::string(GetParam().package) + ' ' + size);
+        }
+        for (int bind = 0; bind < 20; ++bind) {
+            glBindTexture(GL_TEXTURE_2D, target);
+            glBindTexture(GL_TEXTURE_2D, 0);
+        }
         glBindFramebuffer(GL_FRAMEBUFFER, 0);
         glClear(GL_COLOR_BUFFER_BIT);
         ASSERT_TRUE(first.swap());
@@ -175,7 +199,7 @@ TEST_P(FrameworkContexts, WorkOnManyThreads) {
     EXPECT_EQ(glGetError(), GLenum(GL_NO_ERROR));
 }
 
-INSTANTIATE_TEST_SUITE_P(Framework, FrameworkContexts, testing::Values(kEveryGame[0], kEveryGame[1], kEveryGame[5]),
+INSTANTIATE_TEST_SUITE_P(Games, EveryGameContexts, testing::ValuesIn(kEveryGame),
                          [](const auto& game) { return std::string(game.param.name); });
 
 // Catches queries that disagree about extensions, and one that is added at another place than the first.

@@ -81,7 +81,7 @@ TEST(BuiltInList, KnowsEverySize) {
         target(kSmall.width, kSmall.height);
         mIsYuanshenPostprocessLow = false;
         rewritten(size.width, size.height);
-        return mIsYuanshenPostprocessLow;
+        return bool{mIsYuanshenPostprocessLow};
     };
     const auto becomes = [](const TEX_SIZE& size, const TEX_SIZE& to) {
         target(to.width, to.height);
