@@ -32,7 +32,7 @@ SERVICE_SECONDS = 20  # between two deaths of the service
 SETTLED_SECONDS = 60  # memory is to be flat from then on
 GROWTH_KIB = 4096     # the allocator's own ups and downs
 GROWTH_OBJECTS = 16   # images that are first needed late
-REPLACED_KIB = 176    # a render target that dynamic resolution replaced, which is kept: RGBA8, the mean of both sizes
+REPLACED_KIB = 128    # a render target that dynamic resolution replaced, which is kept; the mean of the sizes below
 SIZES = {"--base": "320x180", "--window": "480x270"}
 
 # game: package, events, what short-lived contexts do; the features of the first three know one drawing context
@@ -44,11 +44,12 @@ GAMES = {"yuanshen": ("com.miHoYo.Yuanshen", ["boss", "teleport", "launch", "non
          "video": ("tv.danmaku.bili", ["none"], "draw")}
 
 OBJECTS = ["textures", "buffers", "framebuffers", "vertex arrays", "programs"]
-RESIZED = ["yuanshen", "hkrpg", "harrypotter"] # dynamic resolution is configured
+RESIZED = ["yuanshen", "hkrpg"] # dynamic resolution serves these
 
 # Lines of error priority that the changes explain, and what explains them.
 EXPLAINED = [
     (r": Orvel parse game infoType error: ", "a line of nonsense is written into the game-information file"),
+    (r": OrvelDRR, DR open fail: No data available$", "the file is read while it is written again in place"),
     (r": remote service died!$|: orvel:call remote service failed\.$", "the tuning service is killed and comes back"),
 ]
 
@@ -110,8 +111,14 @@ class Run:
         return None
 
     def service_process(self):
-        found = subprocess.run(["pgrep", "-f", f"orvel-service .*--root {self.root}"], capture_output=True, text=True)
-        return int(found.stdout.split()[0]) if found.stdout else None
+        for path in pathlib.Path("/proc").glob("[0-9]*/cmdline"):
+            try:
+                words = path.read_bytes().split(b"\0")
+            except OSError: # just ended
+                continue
+            if words[0].endswith(b"/orvel-service") and bytes(self.root) in words:
+                return int(path.parts[2])
+        return None
 
     def restart_service(self):
         if process := self.service_process():

@@ -6,6 +6,7 @@
 
 #include <GLES2/gl2ext.h>
 
+#include <android/log.h>
 #include <functional>
 #include <random>
 #include <sstream>
@@ -396,6 +397,47 @@ TEST_P(EveryGameTest, MayBeCalledFromWithinItsOwnCalls) {
         }
         told << (calls > 0 ? "called back\n" : "the driver never called\n");
     });
+}
+
+// Catches the same where the library's own lines go to a logger of the game's. What it calls is not comparable.
+TEST_P(EveryGameTest, MayBeCalledFromWithinItsLog) {
+    const std::string told = play(&GetParam(), [](Transcript& said, const GameProcess& process) {
+        static bool isInside = false;
+        static int calls = 0;
+        process.root().write("/properties", "vendor.orvel.debug=true\n");
+        process.root().write("/data/system/mcd/gameInfo", "");
+        const Context context;
+        context.makeCurrent();
+        RandomGame game(said, context, 7);
+        __android_log_set_logger([](const __android_logger_data*, const char*) {
+            if (eglGetCurrentContext() == EGL_NO_CONTEXT || isInside) {
+                return; // a thread of the library's
+            }
+            isInside = true;
+            ++calls;
+            GLuint name = 0;
+            glGenTextures(1, &name);
+            glActiveTexture(GL_TEXTURE3);
+            glBindTexture(GL_TEXTURE_2D, name);
+            glTexStorage2D(GL_TEXTURE_2D, 1, GL_RGBA8, 320, 180);
+            label(GL_TEXTURE, name, 0, "Minimap_Chap02_ADV_City_BackGround");
+            label(GL_PROGRAM_OBJECT_EXT, name, 0, "Hidden/PostProcessing/Copy");
+            glDeleteTextures(1, &name);
+            eglMakeCurrent(eglGetCurrentDisplay(), eglGetCurrentSurface(EGL_DRAW), eglGetCurrentSurface(EGL_READ),
+                           eglGetCurrentContext());
+            isInside = false;
+        });
+        for (int frame = 0; frame < 20; ++frame) {
+            for (int call = 0; call < 60; ++call) {
+                game.call();
+            }
+            game.swap(process, frame);
+        }
+        __android_log_set_logger(__android_log_stderr_logger);
+        said << (calls > 0 ? "called back" : "the log never called");
+    });
+    EXPECT_TRUE(
+        told.ends_with(GetParam().configuration == kEveryLegacyFeature ? "called back" : "the log never called"));
 }
 
 // Catches a binary that is changed on its way: programs that are not linked from text are never rewritten.
