@@ -1,11 +1,10 @@
 // How sequences of draws are followed: short histories of element counts, and positions in fixed patterns.
 #pragma once
 
-#include "base/Relaxed.h"
-
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 
 namespace android::orvel {
 
@@ -14,10 +13,10 @@ constexpr int32_t kBrokenPattern = -1; // a position: nothing matches before the
 
 /** Appends to a history, oldest first, whose oldest value falls out. */
 template <size_t N>
-void appendToHistory(Relaxed<int32_t> (&history)[N], int32_t value) {
-    for (size_t i = 1; i < N; ++i) {
-        history[i - 1] = int32_t{history[i]};
-    }
+void appendToHistory(int32_t (&history)[N], int32_t value) {
+    int32_t kept[N - 1]; // on the way through registers: moved in place they would cost a call
+    std::memcpy(kept, history + 1, sizeof kept);
+    std::memcpy(history, kept, sizeof kept);
     history[N - 1] = value;
 }
 
@@ -29,8 +28,8 @@ void appendToHistory(Relaxed<int32_t> (&history)[N], int32_t value) {
  * @return whether the pattern is complete; its position is then broken, as after a count that does not match
  */
 template <size_t N>
-bool followPattern(const int32_t (&pattern)[N], int32_t wildcard, Relaxed<int32_t>& position, int32_t count) {
-    const int32_t now = position; // read once: another thread may follow it, too
+bool followPattern(const int32_t (&pattern)[N], int32_t wildcard, int32_t& position, int32_t count) {
+    const int32_t now = position;
     if (count == 0) {
         position = std::max(now, 0);
         return false;

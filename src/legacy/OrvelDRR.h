@@ -131,9 +131,11 @@ private:
         return false;
     }
     void applySize(int& width, int& height) const noexcept {
-        if (mAppliedWidth != kNoSize && mAppliedHeight != kNoSize) {
-            width = mAppliedWidth;
-            height = mAppliedHeight;
+        const int32_t appliedWidth = mAppliedWidth;
+        const int32_t appliedHeight = mAppliedHeight;
+        if (appliedWidth != kNoSize && appliedHeight != kNoSize) {
+            width = appliedWidth;
+            height = appliedHeight;
         }
     }
     void rebindTexture(unsigned from, unsigned to) const;

@@ -72,8 +72,8 @@ private:
     status_t readyToRun() override;
 
     // Counts and ids cross from the rendering to the reporting thread, and are read and written in two steps. A count
-    // that lands between the thread's look and its clearing is lost, which is accepted; so is what another thread of the
-    // game mixes in.
+    // that lands between the thread's look and its clearing is lost, which is accepted; so is what a loading thread of the
+    // game mixes in by its binds. What only draws change is plain: games draw on one thread.
     using Shared = orvel::Relaxed<int32_t>;
 
     static constexpr int32_t mTransferPattern[7] = {6, 108, -1, 6, 6, 6, 420};
@@ -87,25 +87,26 @@ private:
 
     int32_t mLastSceneId = 0; // chosen last by the thread
     Shared mBossCount;
-    Shared mTexSizeArr[4];  // width and height of the last bind but one, then of the last
-    Shared mEleCountArr[4]; // oldest first
+    Shared mTexSizeArr[4];        // width and height of the last bind but one, then of the last
+    int32_t mEleCountArr[4] = {}; // oldest first
     Shared mTransferCount;
     Shared mLaunchCount;
-    Shared mTransferIndex = orvel::kBrokenPattern; // positions in the patterns
-    Shared mLaunchIndex = orvel::kBrokenPattern;
+    int32_t mTransferIndex = orvel::kBrokenPattern; // positions in the patterns
+    int32_t mLaunchIndex = orvel::kBrokenPattern;
     Shared mHkrpgSceneCount;
     Shared mHkrpgSceneId{SCENE_ORDINARY};
-    Shared mHPEleCountArr[5]; // oldest first
+    int32_t mHPEleCountArr[5] = {}; // oldest first
 };
 
 inline void SceneRecognizer::updateEleCountArr(const int& count) { orvel::appendToHistory(mEleCountArr, count); }
 
 inline void SceneRecognizer::checkBossPattern() {
-    static constexpr int32_t kSizes[] = {1024, 1024, 4, 4};
-    if (!std::equal(std::begin(kSizes), std::end(kSizes), mTexSizeArr)) {
+    const bool isLargeThenSmall =
+        mTexSizeArr[0] == 1024 && mTexSizeArr[1] == 1024 && mTexSizeArr[2] == 4 && mTexSizeArr[3] == 4;
+    if (!isLargeThenSmall) {
         return;
     }
-    const int32_t e0 = mEleCountArr[0], e1 = mEleCountArr[1], e2 = mEleCountArr[2], e3 = mEleCountArr[3];
+    const auto& [e0, e1, e2, e3] = mEleCountArr;
     if ((e1 == 162 && e2 == 54 && e3 == 54) || (e0 == 162 && e1 == 54 && e2 % 6 == 0 && e3 == 54)) {
         increment(mBossCount);
     }

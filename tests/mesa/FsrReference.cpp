@@ -106,21 +106,6 @@ Colour easuPixel(const Picture& input, double x, double y) {
     return lower(higher(sum * (1 / weights), low), high);
 }
 
-/** What is left of a number between a quarter and 1 in half precision: ten bits behind the leading one. */
-double roundToHalf(double a) {
-    const double unit = std::exp2(std::ilogb(a) - 10);
-    return std::nearbyint(a / unit) * unit;
-}
-
-double halfReciprocal(double a) {
-    const double half = roundToHalf(a);
-    // The half's fifteen bits: five of exponent, biased by 15, ten of fraction. Then those of the guess.
-    const int exponent = std::ilogb(half);
-    const int bits = 0x778D - (((exponent + 15) << 10) + static_cast<int>((half / std::exp2(exponent) - 1) * 1024));
-    const double guess = std::exp2((bits >> 10) - 15) * (1 + (bits & 1023) / 1024.0);
-    return guess * (2 - guess * a);
-}
-
 } // namespace
 
 Picture easuReference(const Picture& input, int outputWidth, int outputHeight) {
@@ -152,7 +137,7 @@ Picture rcasReference(const Picture& input) {
                 std::max({lobeOf(mn.r, mx.r, e.r), lobeOf(mn.g, mx.g, e.g), lobeOf(mn.b, mx.b, e.b)});
             const double lobe = std::max(-0.1875, std::min(channels, 0.0)) * 0.70711;
             const Colour sum = ring[0] + ring[1] + ring[2] + ring[3];
-            output.at(x, y) = store((e + sum * lobe) * halfReciprocal(4 * lobe + 1));
+            output.at(x, y) = store((e + sum * lobe) * (1 / (4 * lobe + 1)));
         }
     }
     return output;

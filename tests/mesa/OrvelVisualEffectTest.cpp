@@ -220,13 +220,25 @@ void setOddState() {
 
 } // namespace
 
-// Catches a colour that is not the formula's, a strength or an edge that is ignored, and a pixel that is left out.
+// Catches a colour that is not the formula's, a strength or an edge that is ignored, a pixel that is left out, and an
+// image that arrives distorted because of the game's pixel-store state, or is filtered by the game's sampler.
 TEST_P(Colours, AreThoseOfTheFormulas) {
     const auto& [type, strength, darkEdge] = GetParam();
     load(type, strength, darkEdge);
+    setOddState();
     EffectGame::load(*mManager);
     ASSERT_TRUE(mManager->EnableRender());
-    render();
+    {
+        OrvelStateTracker tracker(true);
+        for (const GLenum cap : {GL_BLEND, GL_DEPTH_TEST, GL_STENCIL_TEST, GL_SCISSOR_TEST, GL_SAMPLE_COVERAGE}) {
+            tracker.StoreEnabled(cap);
+            glDisable(cap);
+        }
+        glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
+        glViewport(0, 0, kSize, kSize);
+        mManager->Render(tracker);
+    }
+    glBindBuffer(GL_PIXEL_PACK_BUFFER, 0); // for the test's own reading
     const Picture expected = Reference(mLut).filter(mInput, type, strength, darkEdge);
     EXPECT_LE(result().differenceTo(expected), 1);
     EXPECT_GT(expected.differenceTo(mInput), strength == 0 && !darkEdge ? -1 : 20);
@@ -263,26 +275,8 @@ TEST_F(EffectsOnMesa, LeaveTheGamesStateAlone) {
     EXPECT_SAME_STATE(before);
 }
 
-// Catches an image that arrives distorted because of the game's pixel-store state, or is filtered by the game's sampler.
-TEST_F(EffectsOnMesa, ImageArrivesWhateverTheGameHasSet) {
-    load(kLut);
-    setOddState();
-    EffectGame::load(*mManager);
-    {
-        OrvelStateTracker tracker(true);
-        for (const GLenum cap : {GL_BLEND, GL_DEPTH_TEST, GL_STENCIL_TEST, GL_SCISSOR_TEST, GL_SAMPLE_COVERAGE}) {
-            tracker.StoreEnabled(cap);
-            glDisable(cap);
-        }
-        glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
-        glViewport(0, 0, kSize, kSize);
-        mManager->Render(tracker);
-    }
-    glBindBuffer(GL_PIXEL_PACK_BUFFER, 0); // for the test's own reading
-    EXPECT_LE(result().differenceTo(Reference(mLut).filter(mInput, kLut, 100, false)), 1);
-}
-
-// Catches a file that crashes the reader, is taken although it is damaged, or is refused although it is fine.
+// Catches a file that crashes the reader, is taken although it is damaged, or is refused although it is fine; rows of an
+// odd length that shift, and an interlaced image that is put together wrongly.
 TEST_F(EffectsOnMesa, ReadTheImagesThatAreOfUse) {
     load(0);
     EffectGame::load(*mManager);
@@ -298,24 +292,17 @@ TEST_F(EffectsOnMesa, ReadTheImagesThatAreOfUse) {
     };
     for (const auto& [what, content, taken] :
          {File{"fine", fine, true},
-          {"one texel", pngFile(1, 1), true},
-          {"odd", pngFile(3, 5, PNG_COLOR_TYPE_RGB_ALPHA), true},
-          {"interlaced", pngFile(37, 11, PNG_COLOR_TYPE_RGB, 8, PNG_INTERLACE_ADAM7), true},
+          {"with alpha", pngFile(3, 5, PNG_COLOR_TYPE_RGB_ALPHA), true},
           {"largest", pngFile(4096, 2), true},
           {"too wide", pngFile(4097, 1), false},
-          {"too high", pngFile(1, 5000), false},
           {"grey", pngFile(8, 8, PNG_COLOR_TYPE_GRAY), false},
           {"palette", pngFile(8, 8, PNG_COLOR_TYPE_PALETTE), false},
           {"16 bits", pngFile(8, 8, PNG_COLOR_TYPE_RGB, 16), false},
           {"no end mark", fine.substr(0, fine.size() - 12), true}, // all rows are there
           {"half the rows", fine.substr(0, fine.size() / 2), false},
-          {"header only", fine.substr(0, 33), false},
-          {"half a header", fine.substr(0, 20), false},
-          {"signature only", fine.substr(0, 8), false},
           {"half a signature", fine.substr(0, 5), false},
           {"empty", "", false},
-          {"damaged", flipped, false},
-          {"text", std::string(5000, 'x'), false}}) {
+          {"damaged", flipped, false}}) {
         mGame->writeResource("file.png", content);
         const StateDump before = StateDump::take();
         OrvelLutEffectInstance instance(&effect);
@@ -327,14 +314,7 @@ TEST_F(EffectsOnMesa, ReadTheImagesThatAreOfUse) {
     OrvelLutEffectInstance none(&effect);
     none.Init(mManager.get(), android::orvel::systemPath("/vendor/odm/etc/game/effect")); // a folder
     EXPECT_FALSE(none.IsEnabled());
-}
 
-// Catches rows of an odd length that shift, and an interlaced image that is put together wrongly.
-TEST_F(EffectsOnMesa, TextureHoldsTheImage) {
-    load(0);
-    EffectGame::load(*mManager);
-    OrvelLutEffect effect(false);
-    effect.Init("");
     std::vector<uint8_t> texels(37 * 11 * 3);
     std::generate(texels.begin(), texels.end(), [value = uint8_t{0}]() mutable { return value += 7; });
     for (const int interlace : {PNG_INTERLACE_NONE, PNG_INTERLACE_ADAM7}) {
@@ -386,15 +366,11 @@ TEST_F(EffectsOnMesa, BinariesAreUsedWhenTheyCanBe) {
     for (const auto& [what, content, used, size] : {File{"fine", file(bytes, format, binary), true},
                                                     {"more behind it", file(bytes, format, binary + "more"), true},
                                                     {"damaged", file(bytes, format, damaged), false},
-                                                    {"truncated", file(bytes, format, binary.substr(0, 100)), false},
                                                     {"short", file(100, format, binary), false},
-                                                    {"too long", file(0x7FFFFFFF, format, binary), false},
                                                     {"negative", file(0x80000000, format, binary), false},
-                                                    {"none", file(0, format, binary), false},
                                                     {"other format", file(bytes, format + 1, binary), false},
                                                     {"huge file", file(bytes, format, binary), true, kHuge},
                                                     {"huge binary", file(0x7FFFFFFF, format, binary), false, kHuge},
-                                                    {"half a header", "1234567", false},
                                                     {"empty", "", false}}) {
         mGame->writeResource("file.bin", content);
         if (size != 0) {
@@ -431,63 +407,4 @@ TEST_F(EffectsOnMesa, ArmFetchTakesBinariesOnly) {
     OrvelGreenEffect effect(true);
     effect.Init(android::orvel::systemPath("/vendor/odm/etc/game/effect/file.bin"));
     EXPECT_TRUE(effect.IsValid());
-}
-
-// Catches objects of another context that are deleted instead of ours.
-TEST_F(EffectsOnMesa, EndLeavesOtherContextsAlone) {
-    load(kLut);
-    EffectGame::load(*mManager);
-    const EGLDisplay display = eglGetCurrentDisplay();
-    const EGLContext own = eglGetCurrentContext();
-    const EGLint version[] = {EGL_CONTEXT_CLIENT_VERSION, 3, EGL_NONE};
-    const EGLContext other = eglCreateContext(display, EGL_NO_CONFIG_KHR, EGL_NO_CONTEXT, version);
-    const auto use = [display](EGLContext context) {
-        ASSERT_TRUE(eglMakeCurrent(display, EGL_NO_SURFACE, EGL_NO_SURFACE, context));
-    };
-    use(other);
-    std::array<GLuint, 20> textures, buffers, arrays;
-    glGenTextures(20, textures.data());
-    glGenBuffers(20, buffers.data());
-    glGenVertexArrays(20, arrays.data());
-    for (size_t i = 0; i < textures.size(); ++i) {
-        glBindTexture(GL_TEXTURE_2D, textures[i]);
-        glBindBuffer(GL_ARRAY_BUFFER, buffers[i]);
-        glBindVertexArray(arrays[i]);
-        glCreateProgram();
-    }
-    const StateDump before = StateDump::take();
-    mManager.reset();
-    for (size_t i = 0; i < textures.size(); ++i) {
-        EXPECT_TRUE(glIsTexture(textures[i]) && glIsBuffer(buffers[i]) && glIsVertexArray(arrays[i]));
-        EXPECT_TRUE(glIsProgram(static_cast<GLuint>(i + 1)));
-    }
-    EXPECT_SAME_STATE(before);
-    use(own);
-    eglDestroyContext(display, other);
-}
-
-// Catches objects that stay in the context when their manager goes.
-TEST_F(EffectsOnMesa, EndTakesTheirObjectsAlong) {
-    load(kLut);
-    const auto objects = [] {
-        std::array<int, 5> counts{};
-        for (GLuint name = 1; name < 200; ++name) {
-            size_t kind = 0;
-            for (const auto is : {glIsTexture, glIsBuffer, glIsVertexArray, glIsProgram, glIsShader}) {
-                counts[kind++] += is(name);
-            }
-        }
-        return counts;
-    };
-    const auto game = objects();
-    const StateDump before = StateDump::take();
-    EffectGame::load(*mManager);
-    render();
-    const auto loaded = objects();
-    for (size_t kind = 0; kind < 4; ++kind) {
-        EXPECT_GT(loaded[kind], game[kind]) << kind;
-    }
-    mManager.reset();
-    EXPECT_EQ(objects(), game);
-    EXPECT_SAME_STATE(before);
 }

@@ -6,8 +6,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <vector>
-
 using android::orvel::next::OrvelVisualProgram;
 using testing::ElementsAre;
 
@@ -38,6 +36,9 @@ TEST(OrvelVisualProgram, KnowsTheUniformsOfItsPresentProgram) {
     EXPECT_EQ(program.GetUniformLocation("steps[0]"), glGetUniformLocation(program.GetProgram(), "steps[0]"));
     EXPECT_EQ(program.GetUniformLocation("inside"), -1);
     program.CreateFromShaderSource(kVertex, kOther);
+    for (GLuint name = 1; name < 50; ++name) {
+        EXPECT_FALSE(glIsShader(name)) << "left behind";
+    }
     EXPECT_EQ(program.GetUniformLocation("param"), -1);
     EXPECT_NE(program.GetUniformLocation("other"), -1);
     EXPECT_EQ(glGetError(), GLenum(GL_NO_ERROR));
@@ -61,22 +62,4 @@ TEST(OrvelVisualProgram, FailureLeavesItUnused) {
     GLint current = -1;
     glGetIntegerv(GL_CURRENT_PROGRAM, &current);
     EXPECT_EQ(current, 0);
-}
-
-// Catches a binary that does not come back as the same program.
-TEST(OrvelVisualProgram, BinaryMakesTheProgramAgain) {
-    const MesaContext context;
-    OrvelVisualProgram program;
-    program.CreateFromShaderSource(kVertex, kOther);
-    GLint length = 0;
-    glGetProgramiv(program.GetProgram(), GL_PROGRAM_BINARY_LENGTH, &length);
-    std::vector<char> binary(static_cast<size_t>(length));
-    GLenum format = 0;
-    glGetProgramBinary(program.GetProgram(), length, nullptr, &format, binary.data());
-    ASSERT_TRUE(program.CreateFromBinarySource(binary.data(), format, length));
-    EXPECT_NE(program.GetUniformLocation("other"), -1);
-    program.Use();
-    GLint current = 0;
-    glGetIntegerv(GL_CURRENT_PROGRAM, &current);
-    EXPECT_EQ(static_cast<GLuint>(current), program.GetProgram());
 }

@@ -2,6 +2,7 @@
 
 #include "next/OrvelNext.h"
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdio>
@@ -64,6 +65,11 @@ PLATFORM_QUERY(void, glGetInteger64v, (GLenum pname, GLint64* data), (pname, dat
 PLATFORM_QUERY(const GLubyte*, glGetString, (GLenum name), (name))
 PLATFORM_QUERY(const GLubyte*, glGetStringi, (GLenum name, GLuint index), (name, index))
 #undef PLATFORM_QUERY
+
+bool beginsLike(const std::string& made, std::initializer_list<const char*> beginnings) {
+    return std::any_of(beginnings.begin(), beginnings.end(),
+                       [&](const char* beginning) { return made.starts_with(beginning); });
+}
 
 constinit const GlTable kGlTable = {
 #define GL_ENTRY(Result, name, params, args, providers) gl_##name,
@@ -145,6 +151,18 @@ std::unique_ptr<RecordingDriver> RecordingDriver::installed() {
 Calls RecordingDriver::calls() const {
     const std::lock_guard lock(recording::sMutex);
     return recording::sCalls;
+}
+
+Calls RecordingDriver::callsWithout(std::initializer_list<const char*> beginnings) const {
+    Calls all = calls();
+    std::erase_if(all, [&](const std::string& made) { return recording::beginsLike(made, beginnings); });
+    return all;
+}
+
+Calls RecordingDriver::callsOf(std::initializer_list<const char*> beginnings) const {
+    Calls all = calls();
+    std::erase_if(all, [&](const std::string& made) { return !recording::beginsLike(made, beginnings); });
+    return all;
 }
 
 void RecordingDriver::forget() {

@@ -56,6 +56,18 @@ std::string call(const std::string& name, Args... args) {
     return recording::text(name, {recording::format(args)...});
 }
 
+/** @return how many entries of two tables differ */
+template <typename Table>
+size_t differences(const Table& before, const Table& after) {
+    const auto* a = reinterpret_cast<void* const*>(&before);
+    const auto* b = reinterpret_cast<void* const*>(&after);
+    size_t count = 0;
+    for (size_t i = 0; i < sizeof(Table) / sizeof(void*); ++i) {
+        count += a[i] != b[i];
+    }
+    return count;
+}
+
 /**
  * One at a time. Its constructor offers a connection whose tables record; installed() also makes it the library's
  * saved driver, which the destructor clears again.
@@ -73,6 +85,10 @@ public:
 
     /** What was called since the last forget(), in order; platform and egl entries carry that prefix. */
     Calls calls() const;
+    /** The same, but for those that begin like one of these. */
+    Calls callsWithout(std::initializer_list<const char*> beginnings) const;
+    /** Only those that begin like one of these. */
+    Calls callsOf(std::initializer_list<const char*> beginnings) const;
     void forget();
 
     /** Lets one entry answer: answer<&egl_t::eglGetProcAddress>([](const char*) { ... }). */

@@ -2,8 +2,6 @@
 #include "TestProcessor.h"
 
 #include "app/OrvelSwapHooks.h"
-#include "next/effects/OrvelVisualEffectManager.h"
-#include "settings/OrvelSettings.h"
 
 #include <gmock/gmock.h>
 
@@ -19,30 +17,6 @@ using testing::IsEmpty;
 namespace {
 
 std::vector<std::string> takeEvents() { return std::exchange(sEvents, {}); }
-
-/** Calls a node's hook with zeros. */
-template <typename Functor, typename Entry, typename R, typename... Args>
-R run(const module::GlNode<Functor, Entry>& node, R (*)(module::OrvelModuleBase*, Args...)) {
-    return node.hook(node.owner, Args{}...);
-}
-
-// Catches an entry that is missing, whose chain ends at another one's driver call, or whose dummies reach the driver.
-TEST(HookableGl, EveryChainEndsAtItsOwnEntry) {
-    const auto driver = RecordingDriver::installed();
-    int entries = 0;
-#define ENDS(Xxx)                                                                                                      \
-    run(module::sPreDummyGl##Xxx, module::sPreDummyGl##Xxx.hook);                                                      \
-    run(module::sPostDummyGl##Xxx, module::sPostDummyGl##Xxx.hook);                                                    \
-    EXPECT_THAT(driver->calls(), IsEmpty()) << #Xxx;                                                                   \
-    run(module::sDriverGl##Xxx, module::sDriverGl##Xxx.hook);                                                          \
-    EXPECT_THAT(driver->calls(), ElementsAre(testing::StartsWith("gl" #Xxx "(")));                                     \
-    EXPECT_EQ(module::sDriverGl##Xxx.next, nullptr);                                                                   \
-    driver->forget();                                                                                                  \
-    ++entries;
-    ORVEL_HOOKABLE_GL(ENDS)
-#undef ENDS
-    EXPECT_EQ(entries, 56);
-}
 
 // Catches a hook that swallows calls or results of threads without a processor.
 TEST(GlobalHooks, ThreadsWithoutAProcessorReachTheDriver) {
@@ -156,29 +130,6 @@ TEST(SwapHooks, FrameEndsAroundTheSwap) {
                                                           "end of frame of module 4 failed: broken after the swap"));
     EXPECT_EQ(processor->GetCurrentFrameId(), 4u);
     processor->OnEnd();
-}
-
-// Catches effects whose loading is never enabled, or enabled by a processor that says no.
-TEST(Processor, EnablesLoadingOfEffectsWhenItMay) {
-    struct Effects : TestProcessor {
-        ~Effects() override { delete mEffectManager; }
-        bool HasEffectModule() override { return true; }
-        bool EnableEffectManagerLoadResource() override { return ++mAsked > 1; }
-        int mAsked = 0;
-    };
-    const auto driver = RecordingDriver::installed(); // loading asks it
-    OrvelSettings::getInstance().mApplicationType = APP_TYPE_SGAME;
-    Effects processor;
-    processor.OnBegin();
-    ASSERT_NE(processor.GetEffectManager(), nullptr);
-    processor.FrameEnd();
-    EXPECT_FALSE(processor.GetEffectManager()->IsLoadResourceEnabled());
-    processor.FrameEnd();
-    processor.FrameEnd();
-    EXPECT_TRUE(processor.GetEffectManager()->IsLoadResourceEnabled());
-    EXPECT_EQ(processor.mAsked, 2); // no more once it is enabled
-    processor.OnEnd();
-    EXPECT_NE(processor.GetEffectManager(), nullptr);
 }
 
 } // namespace

@@ -68,21 +68,12 @@ public:
     void FrameEnd() override { Note("frame ", mProcessor->GetCurrentFrameId()); }
     void PostFrameEnd() override { Note("after frame ", mProcessor->GetCurrentFrameId()); }
 
-    bool mNotes = true;
     bool mSwallows = false;
 
 private:
     TestProcessor* Owner() const { return static_cast<TestProcessor*>(mProcessor); }
-    void Note(const char* text) const {
-        if (mNotes) {
-            sEvents.push_back(std::to_string(mId) + " " + text);
-        }
-    }
-    void Note(const char* text, uint64_t number) const {
-        if (mNotes) {
-            sEvents.push_back(std::to_string(mId) + " " + text + std::to_string(number));
-        }
-    }
+    void Note(const std::string& text) const { sEvents.push_back(std::to_string(mId) + " " + text); }
+    void Note(const char* text, uint64_t number) const { Note(text + std::to_string(number)); }
     static void PreDraw(OrvelModuleBase* owner, GLenum mode, GLint first, GLsizei count) {
         auto* self = static_cast<TestModule*>(owner);
         self->Note("draws");

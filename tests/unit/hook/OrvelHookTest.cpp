@@ -7,8 +7,6 @@
 
 #include <gmock/gmock.h>
 
-#include <cstring>
-
 using namespace android;
 using namespace android::orvel;
 using testing::ElementsAre;
@@ -49,20 +47,6 @@ protected:
     app::OrvelProcessorDataBase* mData = nullptr;
 };
 
-/** @return how many pointers differ */
-template <typename Table>
-size_t differences(const Table& before, const Table& after) {
-    void* a[sizeof(Table) / sizeof(void*)];
-    void* b[sizeof(Table) / sizeof(void*)];
-    std::memcpy(a, &before, sizeof before);
-    std::memcpy(b, &after, sizeof after);
-    size_t count = 0;
-    for (size_t i = 0; i < std::size(a); ++i) {
-        count += a[i] != b[i];
-    }
-    return count;
-}
-
 // Catches a process without modules that is hooked all the same, an entry too many or too few, and hooks that are saved
 // as the driver's entries by a second installation.
 TEST_F(Installed, ReplacesItsEntriesOnce) {
@@ -78,13 +62,6 @@ TEST_F(Installed, ReplacesItsEntriesOnce) {
     platform().eglMakeCurrent(nullptr, nullptr, nullptr, nullptr);
     EXPECT_EQ(text(platform().glGetString(GL_VENDOR)), "other");
     EXPECT_EQ(mDriver.calls().size(), 2u);
-
-    platform_impl_t byHand = platformBefore;
-    egl_t eglByHand = eglBefore;
-    hook::RegisterHookedPlatformFunctions(byHand);
-    hook::RegisterHookedEGLFunctions(eglByHand);
-    EXPECT_EQ(differences(byHand, platform()), 2u); // but the swaps
-    EXPECT_EQ(differences(eglByHand, mDriver.connection()->egl), 0u);
 }
 
 struct Answers {
@@ -119,7 +96,6 @@ TEST_P(DebugLabel, IsTheSameInEveryQuery) {
 
 INSTANTIATE_TEST_SUITE_P(Drivers, DebugLabel,
                          testing::Values(Answers{"GL_A GL_B", "GL_EXT_debug_label GL_A GL_B", true},
-                                         Answers{"", "GL_EXT_debug_label ", true},
                                          Answers{nullptr, "GL_EXT_debug_label", true},
                                          Answers{"GL_A GL_EXT_debug_label", "GL_A GL_EXT_debug_label", false},
                                          Answers{"GL_EXT_debug_label_x", "GL_EXT_debug_label_x", false}));

@@ -46,9 +46,13 @@ TEST_F(FrameInterval, MeasuresBatchesOfFiftyFrames) {
     EXPECT_EQ(mDfi.getSourceFps(), 8);
 }
 
-// Catches an interval that is lost when the file turns bad, one of another package, and a file that is not watched.
+// Catches a file that is watched although it gave no interval or not watched although it did, an interval that is lost
+// when the file turns bad, and one of another package.
 TEST_F(FrameInterval, FollowsTheFile) {
     LogCapture log;
+    OrvelDFI early;
+    early.doDFIInterval();
+    EXPECT_TRUE(log.has(ANDROID_LOG_ERROR, "DFI open fail: No such file or directory"));
     const auto interval = [&](const std::string& text) {
         log.clear();
         write(text);
@@ -57,6 +61,8 @@ TEST_F(FrameInterval, FollowsTheFile) {
     };
     EXPECT_EQ(interval("com.other 10\nexample 16 ms\n"), 16);
     EXPECT_TRUE(log.has(ANDROID_LOG_INFO, "DFI Info: com.example.game : 16"));
+    early.doDFIInterval();
+    EXPECT_EQ(early.getDFIInterval(), -1);
     EXPECT_EQ(interval("com.other 20"), 20); // once it is watched the first line decides
     EXPECT_EQ(interval("game x"), 20);
     EXPECT_TRUE(log.has(ANDROID_LOG_ERROR, "DFI parse error: game x"));
@@ -65,14 +71,4 @@ TEST_F(FrameInterval, FollowsTheFile) {
     log.clear();
     mDfi.doDFIInterval();
     EXPECT_TRUE(log.lines().empty()); // nothing new
-}
-
-// Catches a file that is watched although it gave no interval.
-TEST_F(FrameInterval, HasNoneWithoutAFile) {
-    LogCapture log;
-    mDfi.doDFIInterval();
-    EXPECT_TRUE(log.has(ANDROID_LOG_ERROR, "DFI open fail: No such file or directory"));
-    write("game 16");
-    mDfi.doDFIInterval();
-    EXPECT_EQ(mDfi.getDFIInterval(), -1);
 }

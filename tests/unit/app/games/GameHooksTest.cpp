@@ -1,5 +1,7 @@
 // What the games' processors and modules write into the loader's table.
+#include "EveryEntry.h"
 #include "PlayedGame.h"
+#include "app/OrvelModuleBase.h"
 #include "app/games/sgame/OrvelSGameProcessor.h"
 
 #include <gmock/gmock.h>
@@ -39,31 +41,17 @@ struct Hooked {
 };
 void PrintTo(const Hooked& row, std::ostream* out) { *out << "type " << row.type << " modules " << row.modules; }
 
-template <typename R, typename... Args>
-void callWithZeros(R(GL_APIENTRY* entry)(Args...)) {
-    entry(Args{}...);
-}
-
-struct Entry {
-    const char* name;
-    bool (*isHooked)(PlayedGame&);
-    void (*call)(PlayedGame&);
-};
-
-// A table, not a row of expectations: compilers take minutes for a function of a thousand of those.
-constexpr Entry kEntries[] = {
-#define GL_ENTRY(Result, name, params, args, providers)                                                                \
-    {#name, [](PlayedGame& game) { return game.gl().name != next::gl.name; },                                          \
-     [](PlayedGame& game) { callWithZeros(game.gl().name); }},
-#include <entries/gl_entries.in>
-#undef GL_ENTRY
-};
-
 class GameHooks : public testing::TestWithParam<Hooked> {};
 
-// Catches an entry that is not hooked, is hooked for nothing, leads to another one, or does not reach the driver once.
+// Catches a game that gets another one's processor or modules, an entry that is not hooked, is hooked for nothing, leads to another one, or does not reach the driver once.
 TEST_P(GameHooks, AreThoseOfProcessorAndModules) {
     PlayedGame game(GetParam().type, GetParam().modules, kAll);
+    auto& processor = game.processor<app::OrvelProcessorBase>();
+    EXPECT_EQ(processor.GetProcessorId(), uint32_t(GetParam().type));
+    for (const uint32_t id : {1u, 2u, 4u, kSharedShading}) {
+        const auto* found = processor.GetGLModule(id);
+        EXPECT_EQ(found ? found->GetModuleId() : 0, GetParam().modules & id);
+    }
     app::RegisterProcessorModuleGlobalGLHooks(1u << 20, game.driver().connection()); // of no module
     Calls expected;
     for (const Calls& entries : GetParam().entries) {
@@ -73,11 +61,11 @@ TEST_P(GameHooks, AreThoseOfProcessorAndModules) {
     expected.erase(std::unique(expected.begin(), expected.end()), expected.end());
     Calls hooked;
     for (const Entry& entry : kEntries) {
-        if (entry.isHooked(game)) {
+        if (entry.isHooked(game.gl())) {
             hooked.push_back(entry.name);
             game.driver().forget();
-            entry.call(game);
-            EXPECT_THAT(game.driver().calls(), ElementsAre(testing::StartsWith(entry.name + std::string("("))));
+            const std::string made = entry.call(game.gl());
+            EXPECT_THAT(game.driver().calls(), ElementsAre(made));
         }
     }
     EXPECT_THAT(hooked, UnorderedElementsAreArray(expected));
@@ -89,6 +77,7 @@ INSTANTIATE_TEST_SUITE_P(Games, GameHooks,
                                          Hooked{APP_TYPE_SGAME, kSharedShading, {kSGame}},
                                          Hooked{APP_TYPE_PUBG, 1 | kSharedShading, {kPubg}},
                                          Hooked{APP_TYPE_PUBG, 2, {kPubg, kPubgFilter}},
+                                         Hooked{APP_TYPE_7, kSharedShading, {}},
                                          Hooked{APP_TYPE_BILI, kSharedShading, {}}));
 
 // Catches a processor that takes another game's configuration for its own.

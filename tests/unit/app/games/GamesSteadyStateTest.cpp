@@ -1,4 +1,5 @@
 #include "AllocationCounter.h"
+#include "SGameShadingKeys.h"
 #include "app/FrameworkProcess.h"
 #include "app/OrvelProcessorBase.h"
 #include "app/OrvelRenderContext.h"
@@ -6,22 +7,20 @@
 #include "next/OrvelNext.h"
 
 #include <gtest/gtest.h>
-#include <json/reader.h>
 
 #include <cstring>
-#include <sstream>
+#include <mutex>
 
 using namespace android;
 using namespace android::orvel;
 
 namespace {
 
-constexpr char kFilter[] = R"({"effect_Binary":"0;0;0;1;skip.*;result.*","effect_Types":"1;1;1;1;7"})";
 constexpr char kPayload[] = "lobby:lobby\\d;battle:b[a-z]*;battle-UI:ui#clear.*#2";
 constexpr int kGreen = 1, kLut = 7; // filter types
 constexpr GLuint kLobby = 1, kCrossHair = 8;
 
-int sFiltersDrawn = 0;
+int sFiltersDrawn = 0, sRates = 0;
 
 /** A driver that takes every shader and image, has every capability on, and otherwise does nothing. */
 void takeFilters(gl_hooks_t& table) {
@@ -37,11 +36,12 @@ void takeFilters(gl_hooks_t& table) {
         std::strcpy(name, index == 0 ? "param" : "lutTex");
     };
     gl.glMapBufferRange = [](GLenum, GLintptr, GLsizeiptr, GLbitfield) -> void* {
-        static char image[4 * 4 * 3];
-        return image;
+        static char memory[1 << 16]; // for an image or a template of rates
+        return memory;
     };
     gl.glGetTexParameteriv = [](GLenum, GLenum, GLint* value) { *value = GL_TRUE; };
     gl.glGetIntegerv = [](GLenum name, GLint* value) { *value = name == GL_MAX_TEXTURE_SIZE ? 4096 : 0; };
+    gl.glGetUniformLocation = [](GLuint, const GLchar*) { return 9; };
     gl.glIsEnabled = [](GLenum) -> GLboolean { return GL_TRUE; };
     gl.glDrawArrays = [](GLenum, GLint, GLsizei count) { sFiltersDrawn += count == 3; };
 }
@@ -55,17 +55,25 @@ protected:
         mConnection.platform.eglSwapBuffers = [](EGLDisplay, EGLSurface) { return EGLBoolean(EGL_TRUE); };
         mConnection.platform.eglGetCurrentContext = []() -> EGLContext { return EGL_NO_CONTEXT; };
         mConnection.platform.glGetString = [](GLenum) -> const GLubyte* { return nullptr; };
-        auto& data = beFramework(GetParam(), 2);
-        Json::Value json;
-        std::istringstream(kFilter) >> json;
+        auto& data = beFramework(GetParam(), isSGame() ? 1 | 2 : 2);
+        Json::Value json = shadingKeys({{"vrs_MotionDetection", "1"}});
+        json["effect_Binary"] = "0;0;0;1;skip.*;result.*";
+        json["effect_Types"] = "1;1;1;1;7";
         data.ParsePayloadData(kPayload);
-        data.InitProcessorModuleData(2, json);
+        for (const uint32_t id : data.GetModuleIds()) {
+            data.InitProcessorModuleData(id, json);
+        }
         next::InitNextFunctions(&mConnection);
+        next::ext.glShadingRateEXT = [](GLenum) { ++sRates; };
         app::OrvelProcessorBase::RegisterGlobalHooks(&mConnection);
         mContext.InitApplicationProcessor();
         ASSERT_NE(mContext.mProcessor->GetGLModule(2), nullptr);
         gContextTls = &mContext;
-        GameInfoMonitor::getInstance().setPackageName("game");
+        auto& info = GameInfoMonitor::getInstance();
+        info.setPackageName("game");
+        info.parseGameVrsLevel(1);
+        info.parseGamePictureInfo(8, 1);
+        info.parseGamePictureInfo(10, 2);
     }
     void TearDown() override { gContextTls = nullptr; }
 
@@ -105,12 +113,25 @@ protected:
         }
         swap();
     }
+    /** A camera that moves, and draws with rates of their own. */
+    void drawShaded() {
+        const char* const labels[] = {"pvp_melee", "f_hill", "floor", "another"};
+        ++mMatrix[12];
+        mGl.glUseProgram(5);
+        mGl.glUniform4fv(9, 4, mMatrix);
+        for (GLuint i = 0; i < std::size(labels); ++i) {
+            mGl.glLabelObjectEXT(GL_TEXTURE, 20 + i, 0, labels[i]);
+            mGl.glBindTexture(GL_TEXTURE_2D, 20 + i);
+            draw();
+        }
+    }
     /** A frame of a match: scene, what begins the interface, interface. */
     void playFilteredFrame() {
-        draw(), draw();
         if (isSGame()) {
+            drawShaded();
             mGl.glClear(GL_DEPTH_BUFFER_BIT | GL_STENCIL_BUFFER_BIT);
         } else {
+            draw(), draw();
             mGl.glBindTexture(GL_TEXTURE_2D, kCrossHair);
         }
         draw();
@@ -119,7 +140,7 @@ protected:
     /** Plays frames when they are known. @return how many filters were drawn in the 500 that must cost nothing */
     template <typename Frame>
     int playSteadily(Frame frame) {
-        for (int i = 0; i < 30; ++i) {
+        for (int i = 0; i < 61; ++i) { // to the second time that the settings are read
             frame();
         }
         const size_t allocations = allocationsSoFar(), locks = locksSoFar();
@@ -137,9 +158,10 @@ protected:
     const next::GlTable& mGl = mTable.gl;
     egl_connection_t mConnection{};
     OrvelRenderContext mContext{&mConnection};
+    GLfloat mMatrix[16] = {};
 };
 
-// Catches memory or a lock that is asked for in a frame without new labels, with and without a filter in it.
+// Catches memory or a lock that is asked for in a frame without new labels, with and without a filter or rates in it.
 TEST_P(GameSteadyState, AllocatesAndLocksNothing) {
     playSteadily([this] { playBusyFrame(); });
     report(4, kLut);
@@ -150,12 +172,24 @@ TEST_P(GameSteadyState, AllocatesAndLocksNothing) {
     for (const int scene : isSGame() ? std::vector{102, 7} : std::vector{6}) {
         for (const int filter : {kGreen, kLut}) {
             report(scene, filter);
+            sRates = 0;
             const int drawn = playSteadily([this] { playFilteredFrame(); });
             ASSERT_TRUE(mContext.mProcessor->GetEffectManager()->EnableRender());
             EXPECT_EQ(drawn, 500) << "filter " << filter << " in scene " << scene;
+            EXPECT_EQ(sRates > 500, scene == 7) << sRates;
         }
     }
 }
+// Catches memory or a lock that is asked for by a call of a thread without a context, and counters that do not count.
+TEST_P(GameSteadyState, PassingByAllocatesAndLocksNothing) {
+    gContextTls = nullptr;
+    playSteadily([this] { playFilteredFrame(); });
+    const size_t before = locksSoFar();
+    std::mutex mutex;
+    const std::lock_guard lock(mutex);
+    EXPECT_EQ(locksSoFar(), before + 1);
+}
+
 INSTANTIATE_TEST_SUITE_P(Games, GameSteadyState, testing::Values(APP_TYPE_SGAME, APP_TYPE_PUBG));
 
 } // namespace

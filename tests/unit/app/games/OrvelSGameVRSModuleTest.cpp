@@ -59,7 +59,7 @@ public:
     }
 
     static void picture(int key, int value) { GameInfoMonitor::getInstance().parseGamePictureInfo(key, value); }
-    static void smallWindow(int on = 1) { GameInfoMonitor::getInstance().parseCommonVrs("game", on); }
+    static void smallWindow(int on) { GameInfoMonitor::getInstance().parseCommonVrs("game", on); }
     uint64_t frame() { return processor<app::OrvelProcessorBase>().GetCurrentFrameId(); }
 
     /**
@@ -75,19 +75,10 @@ public:
         return std::exchange(mTrace, {});
     }
 
-    /** Through the lobby, where templates are made, into a battle. */
-    void enterBattle() {
-        mBuffer = kGamesBuffer;
-        EXPECT_EQ(play("l........" + std::string(kToBattle) + "tS"), "");
-    }
-    /** There the image is attached. @return what 'A' came to */
-    std::string attach() {
-        enterBattle();
-        return play("A");
-    }
-    void expectGamesBindings() const {
+    void expectGamesState() const {
         EXPECT_EQ(mTexture, kGamesTexture);
         EXPECT_EQ(mBuffer, kGamesBuffer);
+        EXPECT_EQ(mPixelStore, kGamesPixelStore);
     }
 
     GLfloat mMatrix[16] = {}; // of the camera, at location 9 of program 5
@@ -123,6 +114,11 @@ private:
             return gl().glBindTexture(GL_TEXTURE_CUBE_MAP, 'g');
         case 't':
             return gl().glBindTexture(GL_TEXTURE_2D, kGamesTexture);
+        case 'E': // through the lobby, where templates are made, into a battle
+            mBuffer = kGamesBuffer;
+            EXPECT_EQ(play("l........" + std::string(kToBattle) + "S"), "");
+            mTexture = kGamesTexture; // on another unit than the game's last one
+            return;
         case 'd':
             return draw();
         case 'I': // the clear with which the interface begins, after enough of a scene
@@ -161,8 +157,12 @@ private:
         driver().answer<&GlTable::glBindBuffer>([this](GLenum, GLuint name) { mBuffer = name; });
         driver().answer<&GlTable::glGetIntegerv>([this](GLenum what, GLint* value) {
             const GLuint buffer = what == GL_PIXEL_UNPACK_BUFFER_BINDING ? mBuffer : 0;
-            *value = static_cast<GLint>(what == GL_TEXTURE_BINDING_2D ? mTexture : buffer);
+            const auto stored = mPixelStore.find(what);
+            *value = stored != mPixelStore.end()     ? stored->second
+                     : what == GL_TEXTURE_BINDING_2D ? static_cast<GLint>(mTexture)
+                                                     : static_cast<GLint>(buffer);
         });
+        driver().answer<&GlTable::glPixelStorei>([this](GLenum what, GLint value) { mPixelStore[what] = value; });
         driver().answer<&GlTable::glMapBufferRange>([this](GLenum, GLintptr, GLsizeiptr size, GLbitfield) {
             std::vector<uint8_t>& memory = mMemory[mBuffer];
             memory.resize(static_cast<size_t>(size));
@@ -181,7 +181,8 @@ private:
         driver().answer<&GlTable::glFramebufferTexture2DMultisampleEXT>(noting("M"));
         driver().answer<&GlTable::glFramebufferShadingRateEXT>(noting("#"));
         driver().answer<&GlTable::glTexSubImage2D>([this](auto...) {
-            mTrace += (mTexture == kImage ? "^" : "X") + std::to_string(mBuffer - kFirstTemplate + 1);
+            const bool inRows = mPixelStore == kRowsOfBytes;
+            mTrace += (mTexture == kImage && inRows ? "^" : "X") + std::to_string(mBuffer - kFirstTemplate + 1);
         });
         driver().answer<&GlTable::glShadingRateCombinerOpsEXT>([this](GLenum first, GLenum second) {
             mTrace += first != 0x96D2 ? "X" : second == 0x96D5 ? ">" : "=";
@@ -199,6 +200,10 @@ private:
         return index < 9 ? "1XX2XX3X4"[index] : 'X';
     }
 
+    using PixelStore = std::map<GLenum, GLint>;
+    static inline const PixelStore kGamesPixelStore = {{GL_UNPACK_ALIGNMENT, 8}, {GL_UNPACK_ROW_LENGTH, 500}};
+    static inline const PixelStore kRowsOfBytes = {{GL_UNPACK_ALIGNMENT, 1}, {GL_UNPACK_ROW_LENGTH, 0}};
+    PixelStore mPixelStore = kGamesPixelStore;
     GLuint mTexture = 0; // bound
     GLuint mBuffer = 0;
     std::string mTrace;
@@ -208,43 +213,47 @@ private:
 
 struct Condition {
     std::string events;
-    const char* trace = "d";
+    const char* trace;
     int quality = 1;
     int pictureKey10 = 2;
-    bool smallWindow = false;
 };
 void PrintTo(const Condition& each, std::ostream* out) {
-    *out << each.events << " quality " << each.quality << " picture " << each.pictureKey10 << each.smallWindow;
+    *out << each.events << " quality " << each.quality << " picture " << each.pictureKey10;
 }
 
 class ShadingCondition : public testing::TestWithParam<Condition> {};
 
-// Catches a condition that is not asked for, or one in excess.
+// Catches a condition of draws or of the rate image that is not asked for, or one in excess.
 TEST_P(ShadingCondition, IsNeeded) {
     Battle battle;
     Battle::picture(8, GetParam().quality);
     Battle::picture(10, GetParam().pictureKey10);
-    if (GetParam().smallWindow) {
-        Battle::smallWindow();
-    }
-    EXPECT_EQ(battle.play(GetParam().events + "fd"), GetParam().trace);
+    EXPECT_EQ(battle.play(GetParam().events), GetParam().trace);
 }
 INSTANTIATE_TEST_SUITE_P(OfDraws, ShadingCondition,
-                         testing::Values(Condition{kToBattle, "4d"}, Condition{kToBattle, "4d", 2},
-                                         Condition{kToBattle, "d", 0}, Condition{kToBattle, "d", 3},
-                                         Condition{kToBattle, "d", 1, 1}, Condition{kToBattle, "d", 1, 2, true},
-                                         Condition{"0b..mL!"},   // no level
-                                         Condition{"3b..mL!"},   // one for which nothing is learnt
-                                         Condition{"b..L!"},     // no map
-                                         Condition{"l..mL!"},    // no battle
-                                         Condition{"l..Lb..m!"}, // labelled in the lobby
-                                         Condition{"b.mL."},     // the level is not read yet
-                                         Condition{kToBattle + std::string("l..bL!")}, // no map since the lobby
-                                         Condition{kToBattle + std::string("U"), "U4d"},
+                         testing::Values(Condition{"b..mL!fd", "4d"}, Condition{"b..mL!fd", "4d", 2},
+                                         Condition{"b..mL!fd", "d", 0}, Condition{"b..mL!fd", "d", 3},
+                                         Condition{"b..mL!fd", "d", 1, 1},
+                                         Condition{"wb..mL!fd", "d"},      // a small window
+                                         Condition{"0b..mL!fd", "d"},      // no level
+                                         Condition{"3b..mL!fd", "d"},      // one for which nothing is learnt
+                                         Condition{"b..L!fd", "d"},        // no map
+                                         Condition{"l..mL!fd", "d"},       // no battle
+                                         Condition{"l..Lb..m!fd", "d"},    // labelled in the lobby
+                                         Condition{"b.mL.fd", "d"},        // the level is not read yet
+                                         Condition{"b..mL!l..bL!fd", "d"}, // no map since the lobby
                                          // What goes on while nothing is told to the driver.
-                                         Condition{kToBattle + std::string("fdq!g"), "4dd"},
-                                         Condition{kToBattle + std::string("gdw.ddddddId"), "2ddddddddd"},
-                                         Condition{kToBattle + std::string("gdw.fdW.du"), "2ddd4d"}));
+                                         Condition{"b..mL!fdq!gfd", "4dd"},
+                                         Condition{"b..mL!gdw.ddddddIdfd", "2ddddddddd"},
+                                         Condition{"b..mL!gdw.fdW.dufd", "2ddd4d"}));
+INSTANTIATE_TEST_SUITE_P(OfRegions, ShadingCondition,
+                         testing::Values(Condition{"EAS", "#^1A>"}, Condition{"EAS", "A", 2},
+                                         Condition{"EAS", "A", 1, 1}, Condition{"EZ", ""}, // the window is no target
+                                         Condition{"EAl..S", "#^1A"},                      // the lobby
+                                         Condition{"EA0!S", "#^1A="},                      // no level
+                                         Condition{"EAw.S", "#^1A>"},       // a small window changes nothing
+                                         Condition{"EAS.fdS", "#^1A>1d>"},  // a frame after one with regions
+                                         Condition{"EAS..fd", "#^1A>4d"})); // and without
 
 // Catches a later texture that takes over, a rate that is set twice, lost before the next texture or kept for the
 // interface, and a texture without a rate, or on another target, that has one.
@@ -267,8 +276,7 @@ TEST(ShadingOfDraws, FollowsLevelAndBattle) {
     EXPECT_EQ(battle.play("l.gdd!.d"), "1ddd") << "leaving costs one call";
     EXPECT_EQ(battle.play("Lb1m!gd"), "d") << "nothing is learnt in the lobby, and nothing is left";
     EXPECT_EQ(battle.play("Lgd"), "2d");
-    Battle::smallWindow();
-    EXPECT_EQ(battle.play(".fd"), "d");
+    EXPECT_EQ(battle.play("w.fd"), "d");
 }
 
 // Catches another uniform taken for the camera, a location that is asked for at every upload, a second look in one frame,
@@ -293,7 +301,7 @@ TEST(ShadingOfDraws, WorksWhileTheCameraMoves) {
 // Catches a driver with one extension only that gets calls of the other.
 TEST(ShadingOfDraws, DoesWithTheOlderExtension) {
     Battle battle(false);
-    EXPECT_EQ(battle.attach(), "A");
+    EXPECT_EQ(battle.play("EA"), "A");
     EXPECT_EQ(battle.play("S.fd"), "Q4d");
     const LogCapture log;
     while (battle.frame() <= 360) {
@@ -305,31 +313,12 @@ TEST(ShadingOfDraws, DoesWithTheOlderExtension) {
 
 // ---- regions -------------------------------------------------------------------------------------------------------
 
-class RegionCondition : public testing::TestWithParam<Condition> {};
-
-// Catches a condition of the rate image that is not asked for, or one in excess.
-TEST_P(RegionCondition, IsNeeded) {
-    Battle battle;
-    Battle::picture(8, GetParam().quality);
-    Battle::picture(10, GetParam().pictureKey10);
-    battle.enterBattle();
-    EXPECT_EQ(battle.play(GetParam().events), GetParam().trace);
-}
-INSTANTIATE_TEST_SUITE_P(OfRegions, RegionCondition,
-                         testing::Values(Condition{"AS", "#^1A>"}, Condition{"AS", "A", 2}, Condition{"AS", "A", 1, 1},
-                                         Condition{"Z", ""},               // the window is no target
-                                         Condition{"Al..S", "#^1A"},       // the lobby
-                                         Condition{"A0!S", "#^1A="},       // no level
-                                         Condition{"Aw.S", "#^1A>"},       // a small window changes nothing
-                                         Condition{"AS.fdS", "#^1A>1d>"},  // a frame after one with regions
-                                         Condition{"AS..fd", "#^1A>4d"})); // and without
-
 // Catches templates that are made twice or with another one's rates, an image that is attached after the game's texture
-// or with another content, and bindings of the game that are lost.
+// or with another content, rows that are read by the game's layout, and state of the game that is lost.
 TEST(ShadingOfRegions, HasTheLevelsTemplate) {
     Battle battle;
-    EXPECT_EQ(battle.attach(), "#^1A");
-    battle.expectGamesBindings();
+    EXPECT_EQ(battle.play("EA"), "#^1A");
+    battle.expectGamesState();
     EXPECT_EQ(battle.mLastBuffer, kFirstTemplate + 3);
     const TemplateShape shape{277, 116, 0, 0};
     std::vector<uint8_t> expected(277 * 116);
@@ -354,7 +343,7 @@ TEST(ShadingOfRegions, HasTheLevelsTemplate) {
 // a level that does not reach the image, and a multisampled target with the other's template.
 TEST(ShadingOfRegions, TakesOverFromDraws) {
     Battle battle;
-    battle.attach();
+    battle.play("EA");
     battle.gl().glBindFramebuffer(GL_FRAMEBUFFER, 0);
     EXPECT_EQ(battle.play("fd"), "4d");
     battle.gl().glBindFramebuffer(GL_READ_FRAMEBUFFER, 3);
@@ -370,15 +359,15 @@ TEST(ShadingOfRegions, TakesOverFromDraws) {
         battle.play(".");
     }
     EXPECT_EQ(battle.play("2St."), ">^2");
-    battle.expectGamesBindings();
+    battle.expectGamesState();
     EXPECT_EQ(battle.play("M"), "#^4M");
-    battle.expectGamesBindings();
+    battle.expectGamesState();
 }
 
 // Catches a camera that stands while regions stay coarse.
 TEST(ShadingOfRegions, WaitsWhileTheCameraStands) {
     Battle battle(true, shadingKeys({{"vrs_MotionDetection", "1"}}));
-    battle.attach();
+    battle.play("EA");
     EXPECT_EQ(battle.play("U.S"), "?U=");
 }
 
@@ -387,7 +376,7 @@ TEST(ShadingOfRegions, StandsHalfAnExtension) {
     Battle battle;
     next::ext.glFramebufferShadingRateEXT = nullptr;
     next::ext.glShadingRateCombinerOpsEXT = nullptr;
-    EXPECT_EQ(battle.attach(), "A");
+    EXPECT_EQ(battle.play("EA"), "A");
     EXPECT_EQ(battle.play("S.fd"), "1d") << "the image counts as used";
 }
 
@@ -397,18 +386,18 @@ TEST(ShadingOfRegions, DoesWithoutMemory) {
     Battle battle;
     battle.mMapping = false;
     const LogCapture log;
-    EXPECT_EQ(battle.attach(), "#A");
+    EXPECT_EQ(battle.play("EA"), "#A");
     EXPECT_EQ(log.texts(ANDROID_LOG_ERROR).size(), 4u) << "each is tried once";
-    battle.expectGamesBindings();
+    battle.expectGamesState();
 }
 TEST(ShadingOfRegions, DoesWithTooFewCodes) {
     Battle battle(true, shadingKeys({{"vrs_LabelLevel", "1#44:far$44,22,12;2#42:ground$12,22,42,44,12"}}));
-    EXPECT_EQ(battle.attach(), "#A");
+    EXPECT_EQ(battle.play("EA"), "#A");
     EXPECT_EQ(battle.mLastBuffer, kFirstTemplate - 1);
 }
 TEST(ShadingOfRegions, HasNoImageOfAnAbsurdSize) {
     Battle battle(true, shadingKeys({{"vrs_MapInfo", "0;0;2000000000;2000000000"}}));
-    EXPECT_EQ(battle.attach(), "A");
+    EXPECT_EQ(battle.play("EA"), "A");
     EXPECT_EQ(battle.mLastBuffer, kFirstTemplate - 1);
 }
 
