@@ -11,6 +11,7 @@ using android::orvel::OrvelTurns;
 // Catches a thread that waits for itself, a draw that waits, and records that two threads change at once.
 TEST(Turn, IsOneThreadsAtATime) {
     OrvelTurns turns;
+    std::atomic<bool> asked{false};
     std::atomic<bool> recorded{false};
     std::thread loader;
     {
@@ -19,9 +20,12 @@ TEST(Turn, IsOneThreadsAtATime) {
         EXPECT_FALSE(OrvelTurn(turns, OrvelTurn::WAIT)) << "called back by the driver";
         loader = std::thread([&] {
             EXPECT_FALSE(OrvelTurn(turns, OrvelTurn::ASK));
+            asked = true;
+            asked.notify_one();
             EXPECT_TRUE(OrvelTurn(turns, OrvelTurn::WAIT));
             recorded = true;
         });
+        asked.wait(false);
         std::this_thread::sleep_for(std::chrono::milliseconds(5));
         EXPECT_FALSE(recorded);
     }
