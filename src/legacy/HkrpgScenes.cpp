@@ -35,7 +35,7 @@ void report(int32_t scene) {
 }
 
 void takeSceneOf(unsigned tex) {
-    if (const orvel::OrvelTurn turn(sTurns, orvel::OrvelTurn::ASK); turn) {
+    if (const orvel::OrvelLook look(sTurns); look) {
         for (const auto& [scene, minimap] : mHkrpeMinmapTextureMap) {
             if (minimap == static_cast<int32_t>(tex)) {
                 mCurrentHkrpgScene = scene;

@@ -33,7 +33,6 @@ OrvelDRR::OrvelDRR(bool enable, bool debug, std::string packageName, int updateI
       mDebug(debug),
       mUpdateInterval(std::max(updateIntervalMs, kLeastInterval)),
       mPackageName(std::move(packageName)),
-      mCurrentFramebufferTarget(GL_FRAMEBUFFER),
       mBaseSizes(std::move(baseSizes)),
       mAvailableSizes(std::move(availableSizes)),
       mIllegalSizes(std::move(illegalSizes)),
@@ -41,6 +40,13 @@ OrvelDRR::OrvelDRR(bool enable, bool debug, std::string packageName, int updateI
       mConfigFile("/data/system/mcd/dr") {}
 
 // ---- recording ----------------------------------------------------------------------------------------
+
+// Loading threads make, attach and delete much that is not recorded: that must not keep draws from looking up.
+template <typename Map>
+bool OrvelDRR::knowsNone(const Map& map, int n, const unsigned* ids) const noexcept {
+    const OrvelLook look(mTurns);
+    return look && (!ids || n < 1 || std::none_of(ids, ids + n, [&map](unsigned id) { return map.contains(id); }));
+}
 
 void OrvelDRR::updateTexDetailMap(unsigned format, int width, int height) {
     if (!contains(mBaseSizes, width, height)) {
@@ -59,6 +65,9 @@ void OrvelDRR::updateTexDetailMap(unsigned format, int width, int height) {
 }
 
 void OrvelDRR::updateFramebufferDetailMap(unsigned attachment, unsigned& texture) {
+    if (knowsNone(mTexDetailMap, 1, &texture)) {
+        return;
+    }
     const OrvelTurn turn(mTurns, OrvelTurn::WAIT);
     if (!turn) {
         return;
@@ -82,6 +91,9 @@ void OrvelDRR::updateFramebufferDetailMap(unsigned attachment, unsigned& texture
 }
 
 void OrvelDRR::deleteTextures(int n, const unsigned* ids) noexcept {
+    if (knowsNone(mTexDetailMap, n, ids)) {
+        return;
+    }
     const OrvelTurn turn(mTurns, OrvelTurn::WAIT);
     if (!turn) {
         return;
@@ -106,6 +118,9 @@ void OrvelDRR::deleteTextures(int n, const unsigned* ids) noexcept {
 }
 
 void OrvelDRR::deleteFramebuffers(int n, const unsigned* ids) noexcept {
+    if (knowsNone(mFramebufferDetailMap, n, ids)) {
+        return;
+    }
     const OrvelTurn turn(mTurns, OrvelTurn::WAIT);
     if (!turn) {
         return;
@@ -156,6 +171,17 @@ void OrvelDRR::modifyShaderUniform4fv_1(int, float* v) noexcept {
     }
 }
 
+uint32_t OrvelDRR::replacementOf(uint32_t texture) const noexcept {
+    const auto recorded = mTexDetailMap.find(texture);
+    return recorded == mTexDetailMap.end() ? kNoName : recorded->second.newTex;
+}
+
+/** @return whether the texture has a replacement or is one, so far as can be told now */
+bool OrvelDRR::mayNeedRebinding(uint32_t texture) const noexcept {
+    const OrvelLook look(mTurns);
+    return look && (mTexDetailMap.contains(texture) || mNewTexOriginMap.contains(texture));
+}
+
 void OrvelDRR::activeTexture(unsigned) {
     if (!mRebindsOnActiveTexture) {
         return;
@@ -163,20 +189,14 @@ void OrvelDRR::activeTexture(unsigned) {
     GLint binding = -1;
     next::gl.glGetIntegerv(GL_TEXTURE_BINDING_2D, &binding);
     const auto bound = static_cast<GLuint>(binding);
-    if (!mAnyReplaced) {
+    if (!mAnyReplaced || !mayNeedRebinding(bound)) {
         return;
     }
     const OrvelTurn turn(mTurns, OrvelTurn::ASK);
     if (!turn) {
         return;
     }
-
-    const auto replacementOf = [this](GLuint texture) {
-        const auto recorded = mTexDetailMap.find(texture);
-        return recorded == mTexDetailMap.end() ? kNoName : recorded->second.newTex;
-    };
     const auto isName = [](GLuint texture) { return static_cast<GLint>(texture) >= 1; };
-
     if (const GLuint newTex = replacementOf(bound); isName(newTex)) {
         mNewTexOriginMap[newTex] = bound;
         rebindTexture(bound, newTex);

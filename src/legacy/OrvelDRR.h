@@ -22,8 +22,8 @@ namespace android {
 namespace orvel {
 
 /**
- * Records render targets and replaces them. One instance, made for the game's rendering thread and a single context:
- * what was bound last is taken to be that thread's. Another thread of the game, which loads, does no harm to the records.
+ * Records render targets and replaces them. One instance, made for a game that draws in a single context. Threads that
+ * load into that context's share group come through the same hooks: each has its own "bound last", and they take turns.
  */
 class OrvelDRR {
 public:
@@ -66,8 +66,8 @@ public:
         if (!mAnyReplaced) {
             return;
         }
-        const OrvelTurn turn(mTurns, OrvelTurn::ASK);
-        if (!turn) {
+        const OrvelLook look(mTurns);
+        if (!look) {
             return;
         }
         const auto recorded = mTexDetailMap.find(texture);
@@ -138,6 +138,11 @@ private:
             height = appliedHeight;
         }
     }
+    /** @return whether none of the names is in the map, which nobody is changing */
+    template <typename Map>
+    bool knowsNone(const Map& map, int n, const unsigned* ids) const noexcept;
+    uint32_t replacementOf(uint32_t texture) const noexcept;
+    bool mayNeedRebinding(uint32_t texture) const noexcept;
     void rebindTexture(unsigned from, unsigned to) const;
 
     void updateDrConfig();
@@ -154,14 +159,15 @@ private:
     const int32_t mUpdateInterval; // milliseconds
     const std::string mPackageName;
     int64_t mLastUpdateTime = 0; // nanoseconds of the monotonic clock
-    mutable OrvelTurns mTurns;   // at the maps, the target and the time
+    OrvelTurns mSwapTurns;       // at the target, the time and the file
+    mutable OrvelTurns mTurns;   // at the maps
     std::map<uint32_t, TextureDetail> mTexDetailMap;
     std::map<uint32_t, FramebufferDetail> mFramebufferDetailMap;
     std::map<uint32_t, uint32_t> mNewTexOriginMap; // replacement to the game's texture; kept for Hkrpg only
     Relaxed<bool> mAnyReplaced = false;            // for good, so that binds before the first switch look nothing up
-    Relaxed<uint32_t> mCurrentTexture = 0;         // the game's own name
-    Relaxed<uint32_t> mCurrentFramebufferTarget;
-    Relaxed<uint32_t> mCurrentFramebuffer = 0;
+    static inline constinit thread_local uint32_t mCurrentTexture = 0;                // the game's own name
+    static inline constinit thread_local uint32_t mCurrentFramebufferTarget = 0x8D40; // GL_FRAMEBUFFER
+    static inline constinit thread_local uint32_t mCurrentFramebuffer = 0;
     Relaxed<int32_t> mAppliedWidth = kNoSize; // what base sizes are rewritten to
     Relaxed<int32_t> mAppliedHeight = kNoSize;
     int32_t mTargetWidth = kNoSize; // what the configuration asked for last
@@ -170,7 +176,7 @@ private:
     int32_t mPreTargetHeight = kNoSize;
     Relaxed<int32_t> mOriginWidth = kNoSize; // the last base size that the game passed
     Relaxed<int32_t> mOriginHeight = kNoSize;
-    Relaxed<uint32_t> mCurrentProgram = kNoName;
+    static inline constinit thread_local uint32_t mCurrentProgram = kNoName;
     const std::vector<TEX_SIZE> mBaseSizes;
     const std::vector<TEX_SIZE> mAvailableSizes;
     const std::vector<TEX_SIZE> mIllegalSizes;

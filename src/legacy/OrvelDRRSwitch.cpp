@@ -29,7 +29,7 @@ bool isFilteredLinearly(uint32_t format) {
 } // namespace
 
 void OrvelDRR::onEglSwapBuffersEnd() {
-    const OrvelTurn turn(mTurns, OrvelTurn::ASK);
+    const OrvelTurn turn(mSwapTurns, OrvelTurn::ASK); // not the one at the maps: the log may call the game
     if (!turn) {
         return;
     }
@@ -120,6 +120,10 @@ bool OrvelDRR::isTargetNew() const {
  * framebuffer are ours; the draw framebuffer is the one that the game bound last, for whatever purpose.
  */
 void OrvelDRR::switchToTarget() {
+    const OrvelTurn turn(mTurns, OrvelTurn::WAIT);
+    if (!turn) {
+        return;
+    }
     std::vector<uint32_t> handled; // a texture may be attached to several framebuffers
     handled.reserve(mTexDetailMap.size());
     if (mDebug) {

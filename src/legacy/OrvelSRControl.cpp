@@ -102,7 +102,7 @@ void OrvelSRControl::hookForPostprocess() {
     // A query that fails leaves these values; those that decide fit no final copy.
     GLint program = 0;
     next::gl.glGetIntegerv(GL_CURRENT_PROGRAM, &program);
-    if (const OrvelTurn turn(mTurns, OrvelTurn::ASK); !turn || !mFSRPrograms.contains(static_cast<uint32_t>(program))) {
+    if (const OrvelLook look(mTurns); !look || !mFSRPrograms.contains(static_cast<uint32_t>(program))) {
         return;
     }
     GLint texture = -1;

@@ -2,6 +2,7 @@
 // else. Written by initGameSetting(), first before any hook is installed, and by the feature named.
 #pragma once
 
+#include "base/OrvelTurn.h"
 #include "base/Relaxed.h"
 #include "settings/OrvelTexSize.h"
 
@@ -49,6 +50,7 @@ extern int32_t mTargetAFValue;
 extern std::map<com::velmor::ravelo::TYPE_ADAPT_SET, std::vector<com::velmor::ravelo::TEX_SIZE>>& mDeviceAdaptConfigMap;
 extern std::map<int32_t, std::vector<float>>& mPostProcessLowParamsMap; // low width to 16 upscaling constants
 extern std::vector<float>& mPostprocessLowParam;                        // the entry in use; written by the size rules
+extern orvel::OrvelTurns mPostprocessLowParamTurns;                     // at it: loading threads state sizes, too
 extern orvel::Relaxed<bool> mIsYuanshenPostprocessLow;                  // for good; written by the size rules
 extern com::velmor::ravelo::TEX_SIZE mGameSCSize;                       // size of the game's screenshots
 extern int32_t mShaderReplaceValue;

@@ -68,10 +68,20 @@ bool compareFloatArr(const std::vector<float>& values, const float* array, int n
            });
 }
 
-bool fixPostprocessLowIssue() { return mEnableScaleResolutionSize && !mPostprocessLowParam.empty(); }
+bool fixPostprocessLowIssue() {
+    if (!mEnableScaleResolutionSize) {
+        return false;
+    }
+    const orvel::OrvelLook look(mPostprocessLowParamTurns);
+    return look && !mPostprocessLowParam.empty();
+}
 
 void modifyPostprocessLowParam(float* v) {
-    if (!mEnableScaleResolutionSize || !compareFloatArr(mPostprocessLowParam, v, 16)) {
+    if (!mEnableScaleResolutionSize) {
+        return;
+    }
+    if (const orvel::OrvelLook look(mPostprocessLowParamTurns);
+        !look || !compareFloatArr(mPostprocessLowParam, v, 16)) {
         return;
     }
     // What the game would have computed for an input of 0.8 times the target. The exact ratio, not that of the sizes in

@@ -13,6 +13,7 @@ using com::velmor::ravelo::TEX_SIZE;
 using com::velmor::ravelo::TYPE_ADAPT_SET;
 
 constinit orvel::Relaxed<bool> mIsYuanshenPostprocessLow = false;
+constinit orvel::OrvelTurns mPostprocessLowParamTurns;
 
 namespace {
 
@@ -94,7 +95,10 @@ constexpr AdaptRule kAdaptRules[] = {
 /** The upscaling constants by which the game's own are recognised, if some were derived for that low width. */
 void takeLowParams(int32_t lowWidth) {
     const auto params = mPostProcessLowParamsMap.find(lowWidth);
-    if (params != mPostProcessLowParamsMap.end()) {
+    if (params == mPostProcessLowParamsMap.end()) {
+        return;
+    }
+    if (const orvel::OrvelTurn turn(mPostprocessLowParamTurns, orvel::OrvelTurn::ASK); turn) {
         mPostprocessLowParam = params->second; // into memory that start-up asked for
     }
 }
