@@ -131,6 +131,7 @@ TEST_P(EveryGameContexts, WorkOnManyThreads) {
     GameProcess game(GetParam().package, GetParam().withoutRepetition().c_str());
     game.root().write("/data/system/mcd/gameInfo", "");
     const bool isLegacy = GetParam().configuration == kEveryLegacyFeature;
+    const bool isResized = std::string(GetParam().package).find("miHoYo") != std::string::npos;
     const Context first;
     ASSERT_TRUE(first.makeCurrent());
     GLuint target = 0;
@@ -149,6 +150,7 @@ TEST_P(EveryGameContexts, WorkOnManyThreads) {
         for (int round = 0; round < 8; ++round) {
             const EGLContext shared = shareWith(isLegacy || number % 2 ? first : own);
             ASSERT_TRUE(eglMakeCurrent(own.display, own.surface, own.surface, shared));
+            const GLuint program = glCreateProgram();
             std::array<GLuint, 4> textures{};
             glGenTextures(4, textures.data());
             for (const GLuint texture : textures) {
@@ -162,6 +164,12 @@ TEST_P(EveryGameContexts, WorkOnManyThreads) {
                 glGenTextures(1, &storage);
                 glBindTexture(GL_TEXTURE_2D, storage);
                 glTexStorage2D(GL_TEXTURE_2D, 1, GL_RGBA8, 320, 180);
+                GLuint drawnInto = 0;
+                glGenFramebuffers(1, &drawnInto);
+                glBindFramebuffer(GL_FRAMEBUFFER, drawnInto);
+                glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, texture, 0);
+                glDeleteFramebuffers(1, &drawnInto);
+                label(GL_PROGRAM_OBJECT_EXT, program, 0, "Hidden/PostProcessing/Copy");
                 glDeleteTextures(1, &storage);
             }
             std::string text = "precision mediump float; void main() { gl_FragColor = vec4(1.0); }";
@@ -169,6 +177,7 @@ TEST_P(EveryGameContexts, WorkOnManyThreads) {
             const GLuint shader = glCreateShader(GL_FRAGMENT_SHADER);
             glShaderSource(shader, 1, texts, nullptr);
             glDeleteShader(shader);
+            glDeleteProgram(program);
             for (int frame = 0; frame < 3 && !isLegacy; ++frame) {
                 drawFrame(own, 102);
             }
@@ -197,6 +206,13 @@ TEST_P(EveryGameContexts, WorkOnManyThreads) {
         thread.join();
     }
     EXPECT_EQ(glGetError(), GLenum(GL_NO_ERROR));
+    GLint bound = 0;
+    glBindTexture(GL_TEXTURE_2D, target);
+    glGetIntegerv(GL_TEXTURE_BINDING_2D, &bound);
+    EXPECT_EQ(bound != GLint(target), isResized) << "the target's replacement is lost, or there never was one";
+    glBindTexture(GL_TEXTURE_2D, 0);
+    glGetIntegerv(GL_TEXTURE_BINDING_2D, &bound);
+    EXPECT_EQ(bound, 0);
 }
 
 INSTANTIATE_TEST_SUITE_P(Games, EveryGameContexts, testing::ValuesIn(kEveryGame),

@@ -105,7 +105,7 @@ constexpr const char* kLabels[] = {"",
                                    "LoadingUI_Atlas",
                                    "CameraDesc",
                                    "Minimap_Chap02_ADV_City_BackGround",
-                                   "avatar"};
+                                   "AvatarIcon"};
 
 /**
  * A game that calls at random, wrong calls among them, and takes its errors late. Its sizes are none of those that are
