@@ -8,8 +8,8 @@
 
 namespace android {
 
-extern orvel::Relaxed<uint32_t>
-    mAvatarIconTexture; // -1 until one was labelled: 0 would make every unbind count as the icon
+// -1 until one was labelled: 0 would make every unbind count as the icon.
+extern orvel::Relaxed<uint32_t> mAvatarIconTexture;
 extern orvel::Relaxed<bool> mAvatarIconTextureExist; // bound in this frame
 extern orvel::Relaxed<int32_t> mCurrentHkrpgScene;   // of this frame, 0 none
 extern orvel::Relaxed<int32_t> mLastHkrpgScene;      // reported last

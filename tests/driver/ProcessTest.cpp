@@ -48,8 +48,8 @@ int statusOf(pid_t child) {
 
 } // namespace
 
-// Catches a process that crashes or hangs on its way out: statics of the library's go while a thread is inside a hook, and
-// another loads.
+// Catches a process that crashes or hangs on its way out: statics of the library's go while a thread is inside a
+// hook.
 TEST(EndingProcess, StandsThreadsThatAreAtWork) {
     const auto end = [](const EveryGame& played, int run) {
         // The first to be registered is the last to be called: after it the loader takes the driver itself away.

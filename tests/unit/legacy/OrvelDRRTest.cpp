@@ -98,6 +98,25 @@ TEST_F(DynamicResolution, SwitchMakesExactlyTheseCalls) {
     EXPECT_THAT(mGone, ElementsAre(200, 201, 202, 203, 204, 205, 206, 207));
 }
 
+// Catches a filter that smooths what holds no colour, or that does not smooth what does.
+TEST_F(DynamicResolution, OnlyThreeFormatsAreFilteredLinearly) {
+    start();
+    const GLenum formats[] = {GL_RGBA8, GL_R8, GL_R11F_G11F_B10F, GL_SRGB8_ALPHA8, GL_RGBA16F, GL_DEPTH_COMPONENT24};
+    for (GLuint i = 0; i < std::size(formats); ++i) {
+        allocate(i + 1, formats[i]);
+        attach(i + 1, GL_COLOR_ATTACHMENT0, i + 1);
+    }
+    switchTo(kSmall);
+    Calls filters = mDriver->calls();
+    const auto filter = [](GLint value) {
+        return call("glTexParameteri", GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, value);
+    };
+    const std::string linear = filter(GL_LINEAR);
+    const std::string nearest = filter(GL_NEAREST);
+    std::erase_if(filters, [&](const std::string& line) { return line != linear && line != nearest; });
+    EXPECT_THAT(filters, ElementsAre(linear, linear, linear, nearest, nearest, nearest));
+}
+
 // Catches a changed text, value or order of the debug lines, which others read.
 TEST_F(DynamicResolution, LogsEachStepWhenDebugging) {
     start("com.example.game", true);

@@ -92,3 +92,15 @@ TEST_F(StateTracker, RestoresEnabledTestsWhole) {
                     call("glStencilFuncSeparate", GL_BACK, GL_STENCIL_BACK_FUNC, GL_STENCIL_BACK_REF,
                          GL_STENCIL_BACK_VALUE_MASK)));
 }
+
+// Catches a scope that ends without putting the game's state back, or that puts it back uninvited.
+TEST_F(StateTracker, DestructorRestoresOnlyWhenAsked) {
+    for (const bool autoRestore : {true, false}) {
+        {
+            next::OrvelStateTracker tracker(autoRestore);
+            tracker.StoreProgram();
+            mDriver->forget();
+        }
+        EXPECT_EQ(mDriver->calls(), autoRestore ? Calls{call("glUseProgram", GL_CURRENT_PROGRAM)} : Calls{});
+    }
+}

@@ -69,6 +69,34 @@ private:
 
 } // namespace
 
+// Catches texts that lose characters on the way, and answers that reach the wrong call.
+TEST_F(SocketBinderTest, CarriesNumbersAndTextsBothWays) {
+    mListener = listenAsService(mRoot, kName);
+    ASSERT_GE(mListener, 0);
+    mService = std::thread([this] {
+        serveClients(mListener, [](uint32_t code, const Parcel& data, Parcel* reply) {
+            const String16 token = data.readString16();
+            reply->writeInt32(data.readInt32() + static_cast<int32_t>(code));
+            reply->writeString16(token + data.readString16());
+            return status_t(NO_ERROR);
+        });
+    });
+    const sp<IBinder> binder = find();
+    ASSERT_NE(binder, nullptr);
+    for (int32_t i = 0; i < 3; ++i) {
+        Parcel request;
+        Parcel reply;
+        request.writeInterfaceToken(String16(u"tøken"));
+        request.writeInt32(i);
+        request.writeString16(String16(u"-\u4f60\u597d"));
+        ASSERT_EQ(binder->transact(13, request, &reply), NO_ERROR);
+        EXPECT_EQ(reply.readExceptionCode(), i + 13);
+        EXPECT_EQ(reply.readString16(), String16(u"tøken-\u4f60\u597d"));
+        EXPECT_EQ(reply.readInt32(), 0) << "reading past the end";
+        EXPECT_EQ(reply.readString16(), String16());
+    }
+}
+
 // Catches a caller that waits for ever, and a notice that is lost or sent to a recipient nobody holds.
 TEST_F(SocketBinderTest, DeathEndsTheCallAndIsTold) {
     mListener = listenAsService(mRoot, kName);
