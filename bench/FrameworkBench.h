@@ -1,4 +1,5 @@
-// The framework's hooks: without a processor, with empty chains, with one and two nodes, with a processor's bookkeeping.
+// The framework's hooks: without a processor, with empty chains, with one and two nodes, with a processor's
+// bookkeeping.
 #pragma once
 
 #include <EGL/egldefs.h>

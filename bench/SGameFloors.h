@@ -1,5 +1,5 @@
-// The least code that keeps SGame's books by hand: the same reads and writes for a draw and a bind as the processor's and
-// its filter's, without chains.
+// The least code that keeps SGame's books by hand: the same reads and writes for a draw and a bind as the processor's
+// and its filter's, without chains.
 #pragma once
 
 #include "next/OrvelNext.h"

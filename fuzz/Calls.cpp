@@ -1,5 +1,5 @@
-// A game that calls whatever it likes, through the tables that the library has hooked. Every call must reach the driver,
-// and only once, unless the library's features say otherwise.
+// A game that calls whatever it likes, through the tables that the library has hooked. Every call must reach the
+// driver, and only once, unless the library's features say otherwise.
 #include "CountingDriver.h"
 #include "Fuzz.h"
 

@@ -39,8 +39,8 @@ uint64_t digest(Args... args) {
 
 /**
  * Fills both tables. Objects get one of a thousand names, every shader compiles, every program has the uniform "param",
- * and memory can be mapped. Contexts are the numbers 1 to 5, used again when destroyed; a sixth is refused. Sets of numbers
- * that the driver is asked for stay as they are.
+ * and memory can be mapped. Contexts are the numbers 1 to 5, used again when destroyed; a sixth is refused. Sets of
+ * numbers that the driver is asked for stay as they are.
  */
 void connect(android::egl_connection_t& connection, android::gl_hooks_t& gles2);
 

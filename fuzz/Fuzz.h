@@ -17,7 +17,9 @@
 
 namespace fuzz {
 
-/** A private system root, which is where every file of a device is looked for. In memory where there is such a place. */
+/**
+ * A private system root, which is where every file of a device is looked for. In memory where there is such a place.
+ */
 class Root {
 public:
     Root()

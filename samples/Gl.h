@@ -13,7 +13,10 @@ namespace sample {
 /** One line on standard error, then exit status 1. */
 [[noreturn]] __attribute__((format(printf, 1, 2))) void fail(const char* format, ...);
 
-/** Labels an object through GL_EXT_debug_label where the driver has it. @param type GL_TEXTURE, GL_PROGRAM_OBJECT_EXT */
+/**
+ * Labels an object through GL_EXT_debug_label where the driver has it.
+ * @param type GL_TEXTURE, GL_PROGRAM_OBJECT_EXT
+ */
 void labelObject(GLenum type, GLuint object, const char* label);
 
 bool hasExtension(const char* name);

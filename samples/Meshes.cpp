@@ -19,7 +19,9 @@ struct Vertex {
     Vec3 normal;
 };
 
-/** A grid of columns x rows cells, each two triangles, the last row on top; `point` gives the vertex at u, v of 0 to 1. */
+/**
+ * A grid of columns x rows cells, each two triangles, the last row on top; `point` gives the vertex at u, v of 0 to 1.
+ */
 template <typename Point>
 Mesh makeGrid(int columns, int rows, Point point) {
     std::vector<Vertex> vertices;

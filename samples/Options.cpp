@@ -42,10 +42,10 @@ constexpr char kUsage[] =
   --min-frame-ms N         let a frame take at least so long (12, as the library looks every 10 ms at most)
   --event-at FRAME:EVENT   from that frame on draw as the game does in a boss fight (yuanshen: boss), when it moves
                            the player (yuanshen, harrypotter: teleport), when it starts (yuanshen: launch), in a
-                           place (hkrpg: city, x2, x21, square), in its phases beside the lobby (sgame: heroes, loading, battle,
-                           battle with a masked clear: masked, result), when its frame goes over to the interface in
-                           one of its ways (pubg: discard, resolve, crosshair, loading), or none of these: none; may
-                           be given several times
+                           place (hkrpg: city, x2, x21, square), in its phases beside the lobby (sgame: heroes,
+                           loading, battle, battle with a masked clear: masked, result), when its frame goes over to
+                           the interface in one of its ways (pubg: discard, resolve, crosshair, loading), or none of
+                           these: none; may be given several times
   --fill RRGGBB            hide the scene behind this colour, so that pictures show the interface alone
   --screenshot FRAME:FILE  read the finished picture back at the base size, without the interface, into a PNG file
   --multisampled           draw battles into a multisampled texture where the driver can (sgame)

@@ -11,7 +11,10 @@ public:
 
     explicit Overlay(Size window);
 
-    /** One indexed draw: a dot for every six indices, in a ring. @param indices a multiple of 6, at most kMostIndices */
+    /**
+     * One indexed draw: a dot for every six indices, in a ring.
+     * @param indices a multiple of 6, at most kMostIndices
+     */
     void draw(int indices) const;
 
 private:

@@ -22,7 +22,11 @@ GLuint makeMaterial(const char* label);
 
 class SceneRenderer {
 public:
-    /** @param base size of all render targets @param work rounds of extra work per pixel of the post pass, which meets each pixel once @param units outlives this */
+    /**
+     * @param base  size of all render targets
+     * @param work  rounds of extra work per pixel of the post pass, which meets each pixel once
+     * @param units outlives this
+     */
     SceneRenderer(Size base, int work, TextureUnits& units);
 
     void beginFrame(int frame);

@@ -14,7 +14,9 @@ namespace android::rig {
  */
 std::string editExtensions(const std::string& list);
 
-/** Lets the driver's extension strings, in whole and one by one, answer so. Does nothing when there is nothing to edit. */
+/**
+ * Lets the driver's extension strings, in whole and one by one, answer so. Does nothing when there is nothing to edit.
+ */
 void editExtensionStrings(GlTable* gl);
 
 } // namespace android::rig

@@ -43,8 +43,8 @@ public:
     /** The game cleared depth. */
     void clearDepth(GLuint framebuffer);
     /**
-     * Writes <path>-framebuffer-N.png and .json for each target that was drawn to, and <path>-framebuffer-N-image.png if
-     * its rates came from an image, too. Begins anew.
+     * Writes <path>-framebuffer-N.png and .json for each target that was drawn to, and <path>-framebuffer-N-image.png
+     * if its rates came from an image, too. Begins anew.
      */
     void write(const std::string& path);
 

@@ -8,7 +8,10 @@ namespace android::rig {
 /** Remembers on what a display was opened. @param platform 0 when the program left it to the driver to find out */
 void noteDisplay(EGLDisplay display, EGLenum platform, void* native);
 
-/** What a program gets as orvelCreateWindow: a window that needs no display. @return 0 for a size below 1 or beyond kLargestWindow */
+/**
+ * What a program gets as orvelCreateWindow: a window that needs no display.
+ * @return 0 for a size below 1 or beyond kLargestWindow
+ */
 EGLNativeWindowType EGLAPIENTRY createWindow(EGLint width, EGLint height);
 
 /**

@@ -1,6 +1,6 @@
 // PUBG draws its scene into a texture whose label is always the same, copies it to the window and draws the interface
-// over it, with blending of its own. How a frame goes over to the interface depends on the device and on what is aimed at:
-// some discard depth and stencil of the window, some draw the scene with several samples, some show a cross-hair.
+// over it, with blending of its own. How a frame goes over to the interface depends on the device and on what is aimed
+// at: some discard depth and stencil of the window, some draw the scene with several samples, some show a cross-hair.
 #include "Games.h"
 
 #include <EGL/egl.h>

@@ -1,6 +1,6 @@
 // SGame draws its scene, clears depth and stencil of the window, or has a program of its own do that, and draws the
-// interface over it. Textures tell where the player is: each phase has some that no other one shows. What a battle needs
-// is loaded anew for each one.
+// interface over it. Textures tell where the player is: each phase has some that no other one shows. What a battle
+// needs is loaded anew for each one.
 #include "Games.h"
 
 #include "Shaders.h"

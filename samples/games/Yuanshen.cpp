@@ -1,6 +1,6 @@
-// Yuanshen binds every texture anew. One of its programs draws the clouds of a kind of scene whose resolution had better
-// stay as it is; the program is known by its label. Its boss fights, teleports and its launch each begin with a sequence
-// of draws that nothing else in the game has.
+// Yuanshen binds every texture anew. One of its programs draws the clouds of a kind of scene whose resolution had
+// better stay as it is; the program is known by its label. Its boss fights, teleports and its launch each begin with a
+// sequence of draws that nothing else in the game has.
 #include "Games.h"
 
 #include "Shaders.h"

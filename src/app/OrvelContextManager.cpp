@@ -22,25 +22,51 @@ constexpr size_t kThreadNameBytes = 128; // more than any system gives a thread'
 
 const app::OrvelProcessorDataBase& configuration() { return OrvelSettings::getInstance().getProcessorData(); }
 
-/** The pattern asked for last, compiled: there is one per process. */
-class CompiledPattern {
-public:
-    std::shared_ptr<const OrvelPattern> of(const std::string& text) {
-        const std::lock_guard lock(mMutex);
-        if (!mPattern || text != mText) {
-            mPattern = std::make_shared<OrvelPattern>(text);
-            mText = text;
-        }
-        return mPattern;
-    }
-
-private:
-    std::mutex mMutex;
-    std::string mText;
-    std::shared_ptr<const OrvelPattern> mPattern;
+struct CompiledPattern {
+    const std::string text;
+    const OrvelPattern pattern;
+    const CompiledPattern* const previous; // stays, for threads that are using it: a process is given one as a rule
 };
 
+/** @return the pattern compiled, at its first use */
+const OrvelPattern& compiled(const std::string& text) {
+    static constinit std::atomic<const CompiledPattern*> sLatest{nullptr};
+    const CompiledPattern* latest = sLatest.load(std::memory_order_acquire);
+    if (!latest || latest->text != text) {
+        latest = new CompiledPattern{text, OrvelPattern(text), latest};
+        sLatest.store(latest, std::memory_order_release);
+    }
+    return latest->pattern;
+}
+
+constinit thread_local bool tHoldsLock = false;
+
 } // namespace
+
+/**
+ * The manager's lock, for as long as the object lives. A logger or a driver may call the game from within our calls,
+ * and the game EGL: a thread that has the lock gets it no second time, so test, and let such a call go unnoticed.
+ */
+class [[nodiscard]] OrvelContextManager::Lock {
+public:
+    explicit Lock(OrvelContextManager& manager) {
+        if (!tHoldsLock) {
+            mLock = std::unique_lock(manager.mMutex);
+            tHoldsLock = true;
+        }
+    }
+    ~Lock() {
+        if (mLock) {
+            tHoldsLock = false;
+        }
+    }
+    Lock(const Lock&) = delete;
+    Lock& operator=(const Lock&) = delete;
+    explicit operator bool() const { return mLock.owns_lock(); }
+
+private:
+    std::unique_lock<std::mutex> mLock;
+};
 
 // Never destroyed: render threads may be inside a hook while the process ends, and no context is current then, so the
 // render contexts are let go of as they are.
@@ -53,13 +79,16 @@ bool OrvelContextManager::CreateAndAddRenderContext(void* eglContext) {
     if (!app::HasConfiguredModules() || configuration().mainContextMode != kEveryContext) {
         return true; // the other modes make theirs when a context is made current
     }
-    const std::lock_guard lock(mMutex);
-    return CreateAndStore(eglContext) != nullptr;
+    const Lock lock(*this);
+    return !lock || CreateAndStore(eglContext) != nullptr;
 }
 
 void OrvelContextManager::EraseRenderContext(void* eglContext) {
     try {
-        const std::lock_guard lock(mMutex);
+        const Lock lock(*this);
+        if (!lock) {
+            return;
+        }
         if (auto entry = mRenderContexts.extract(eglContext)) {
             Retire(std::move(entry.mapped()));
         }
@@ -70,7 +99,10 @@ void OrvelContextManager::EraseRenderContext(void* eglContext) {
 
 void OrvelContextManager::MakeCurrentRenderContext(void* eglContext) {
     try {
-        const std::lock_guard lock(mMutex);
+        const Lock lock(*this);
+        if (!lock) {
+            return;
+        }
         if (!eglContext || !app::HasConfiguredModules()) {
             SetSlot(nullptr);
             return;
@@ -131,10 +163,10 @@ void OrvelContextManager::UpdateMainRenderContextByPipelineInfo() {
     if (mMainRenderContextChosen.load(std::memory_order_relaxed)) {
         return;
     }
-    const std::lock_guard lock(mMutex);
+    const Lock lock(*this);
     OrvelRenderContext* const current = gContextTls;
     // A context that was destroyed while this thread draws with it cannot be the main one.
-    if (mMainRenderContextChosen || !current || Find(current->mContext) != current) {
+    if (!lock || mMainRenderContextChosen || !current || Find(current->mContext) != current) {
         return;
     }
     mMainRenderContext = current;
@@ -142,10 +174,9 @@ void OrvelContextManager::UpdateMainRenderContextByPipelineInfo() {
 }
 
 bool OrvelContextManager::CheckIfMainRenderThreadName(const std::string& pattern) {
-    static auto* const compiled = new CompiledPattern; // never destroyed, as the manager
     char name[kThreadNameBytes] = {};
     prctl(PR_GET_NAME, name);
-    return compiled->of(pattern)->matches(name);
+    return compiled(pattern).matches(name);
 }
 
 OrvelRenderContext* OrvelContextManager::Find(void* eglContext) const {
@@ -184,7 +215,9 @@ void OrvelContextManager::Retire(std::unique_ptr<OrvelRenderContext> retired) {
     }
 }
 
-/** Makes a render context, or none, current on the calling thread. The last thread to leave a parked one destroys it. */
+/**
+ * Makes a render context, or none, current on the calling thread. The last thread to leave a parked one destroys it.
+ */
 void OrvelContextManager::SetSlot(OrvelRenderContext* current) {
     if (current) {
         ++current->mThreads;

@@ -20,7 +20,8 @@ class OrvelRenderContext;
  *   2  those made current on such threads, until a processor recognises the main context by what is drawn in it
  * A main context is chosen once; when it is gone, no other becomes one.
  *
- * Processors begin and end under the manager's lock, so they must not call back. Readers of the slot take no lock.
+ * Processors begin and end under the manager's lock, so they must not call back. Readers of the slot take no lock. What
+ * is called on a thread from within one of these calls, as by a logger, does nothing.
  */
 class OrvelContextManager {
 public:
@@ -45,9 +46,11 @@ public:
     static bool CheckIfMainRenderThreadName(const std::string& pattern);
 
 private:
+    class Lock;
+
     OrvelContextManager() = default;
 
-    // Under mMutex, all of them.
+    // Under the lock, all of them.
     void MakeCurrentRenderContextThreadName(void* eglContext);
     void MakeCurrentRenderContextPipeline(void* eglContext);
     OrvelRenderContext* Find(void* eglContext) const;

@@ -56,11 +56,16 @@ void OrvelProcessorDataBase::CheckExtensionFunctions(std::function<bool(const st
         const std::lock_guard lock(mMutex);
         names = mFunctionOrder;
     }
-    std::erase_if(names, [&](const std::string& name) { return !isMissing(name); }); // calls the driver: not locked
+    std::vector<std::string> missing;
+    for (const std::string& name : names) { // in this order: the answer for one may depend on those before it
+        if (isMissing(name)) {              // calls the driver: not locked
+            missing.push_back(name);
+        }
+    }
     {
         const std::lock_guard lock(mMutex);
         std::unordered_set<uint32_t> dropped; // collected first: erasing an id changes the map
-        for (const std::string& name : names) {
+        for (const std::string& name : missing) {
             if (const auto needed = extensionFunctions.find(name); needed != extensionFunctions.end()) {
                 dropped.insert(needed->second.begin(), needed->second.end());
             }

@@ -18,8 +18,9 @@ class OrvelProcessorModuleDataBase;
 }
 
 /**
- * The part that all games share. Filled once at start-up; afterwards modules are only ever taken out, on whichever thread
- * the application asks for a function that a module needs. The framework is active in a process only while an id is left.
+ * The part that all games share. Filled once at start-up; afterwards modules are only ever taken out, on whichever
+ * thread the application asks for a function that a module needs. The framework is active in a process only while an id
+ * is left.
  */
 class OrvelProcessorDataBase {
 public:
@@ -59,8 +60,8 @@ public:
     /** @return the ids that are left at this moment, ascending */
     std::vector<uint32_t> GetModuleIds() const;
     /**
-     * @return the module's parameters, still owned here, or null. Another thread may take the module out at any time, and
-     *         its parameters with it: a module that needs extension functions uses the next one.
+     * @return the module's parameters, still owned here, or null. Another thread may take the module out at any time,
+     *         and its parameters with it: a module that needs extension functions uses the next one.
      */
     module::OrvelProcessorModuleDataBase* GetProcessorModuleData(uint32_t id);
     /**

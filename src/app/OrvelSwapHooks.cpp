@@ -28,7 +28,7 @@ EGLBoolean EGLAPIENTRY PlatSwapBuffersHooked(EGLDisplay display, EGLSurface surf
     return swapFrame([=] { return next::platform.eglSwapBuffers(display, surface); });
 }
 
-EGLBoolean EGLAPIENTRY PlatSwapBuffersWithDamageKHRHooked(EGLDisplay display, EGLSurface surface, const EGLint* rects,
+EGLBoolean EGLAPIENTRY PlatSwapBuffersWithDamageKHRHooked(EGLDisplay display, EGLSurface surface, DamageRects rects,
                                                           EGLint nRects) {
     return swapFrame([=] {
         if (!next::platform.eglSwapBuffersWithDamageKHR) { // the damage is a hint

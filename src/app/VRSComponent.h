@@ -41,8 +41,9 @@ struct FrameBufferInfo {
  * For threads with a current GL context. The driver's entries are resolved by the check of the modules' extension
  * functions, so the instance must not be asked for before.
  *
- * An upload reads tightly packed rows: the caller sees to the context's pixel-store state and, where the data comes from
- * memory, to the pixel buffer that the game may have bound. restoreTexture is bound to GL_TEXTURE_2D after an upload.
+ * An upload reads tightly packed rows: the caller sees to the context's pixel-store state and, where the data comes
+ * from memory, to the pixel buffer that the game may have bound. restoreTexture is bound to GL_TEXTURE_2D after an
+ * upload.
  */
 class VRSComponent {
 public:

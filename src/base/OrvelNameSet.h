@@ -8,7 +8,9 @@
 
 namespace android::orvel {
 
-/** Tells by one bit that a name was never added; names share bits, so it may be wrong about one that seems to be there. */
+/**
+ * Tells by one bit that a name was never added; names share bits, so it may be wrong about one that seems to be there.
+ */
 class OrvelNameFilter {
 public:
     bool mayHave(uint32_t name) const { return mBits[name % kBits]; }

@@ -1,5 +1,5 @@
-// Records that a game's threads share. Games load on threads of their own, which bind, label and delete what the drawing
-// thread uses, and nothing orders their calls and its own.
+// Records that a game's threads share. Games load on threads of their own, which bind, label and delete what the
+// drawing thread uses, and nothing orders their calls and its own.
 #pragma once
 
 #include <atomic>
@@ -20,7 +20,8 @@ class OrvelTurns {
 /**
  * The right to change the records, for as long as the object lives; test whether there is one. Changes are rare and
  * WAIT for each other and for those who look; ASK goes without instead. The thread that has a turn gets no second one:
- * a driver or a logger may call the game back from within our calls, and the game us; what it does there goes unrecorded.
+ * a driver or a logger may call the game back from within our calls, and the game us; what it does there goes
+ * unrecorded.
  */
 class [[nodiscard]] OrvelTurn {
 public:
@@ -63,9 +64,9 @@ private:
 };
 
 /**
- * The right to look something up, for as long as the object lives; any number of threads look at once. A draw must never
- * wait: while another thread changes the records it goes without, so test. Change nothing, call nobody and take no turn
- * meanwhile.
+ * The right to look something up, for as long as the object lives; any number of threads look at once. A draw must
+ * never wait: while another thread changes the records it goes without, so test. Change nothing, call nobody and take
+ * no turn meanwhile.
  */
 class [[nodiscard]] OrvelLook {
 public:

@@ -18,7 +18,8 @@ constexpr bool EnableDebugOrvelLayer() { return false; }
  */
 void RegisterHookedFunctions(egl_connection_t* cnx);
 
-// Writers for single tables. They save nothing, so the hooks must have been installed once; the installer does without them.
+// Writers for single tables. They save nothing, so the hooks must have been installed once; the installer does without
+// them.
 
 void RegisterHookedEGLFunctions(egl_t& egl);
 /** The three queries through which an application learns of extensions. */

@@ -11,6 +11,7 @@
 #include <GLES2/gl2ext.h>
 
 #include <exception>
+#include <span>
 
 namespace android {
 
@@ -36,16 +37,36 @@ GLuint boundTo(GLenum binding) {
     return static_cast<GLuint>(name);
 }
 
-/** A new RGBA texture of one level, filtered linearly, in the game's context; it stays bound. */
-GLuint createTexture(GLsizei width, GLsizei height) {
+struct TextureParameter {
+    GLenum name;
+    GLint value;
+};
+constexpr TextureParameter kCopyParameters[] = {
+    {GL_TEXTURE_BASE_LEVEL, 0},
+    {GL_TEXTURE_MAX_LEVEL, 0},
+    {GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE},
+    {GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE},
+    {GL_TEXTURE_WRAP_R, GL_CLAMP_TO_EDGE},
+    {GL_TEXTURE_MIN_FILTER, GL_LINEAR},
+    {GL_TEXTURE_MAG_FILTER, GL_LINEAR},
+    {GL_TEXTURE_SRGB_DECODE_EXT, GL_DECODE_EXT},
+};
+constexpr TextureParameter kScreenshotParameters[] = {
+    {GL_TEXTURE_MIN_FILTER, GL_LINEAR},
+    {GL_TEXTURE_MAG_FILTER, GL_LINEAR},
+    {GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE},
+    {GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE},
+};
+
+/** A new RGBA texture of one level in the game's context; it stays bound. */
+GLuint createTexture(GLsizei width, GLsizei height, std::span<const TextureParameter> parameters) {
     GLuint texture = 0;
     next::gl.glGenTextures(1, &texture);
     next::gl.glBindTexture(GL_TEXTURE_2D, texture);
     next::gl.glTexStorage2D(GL_TEXTURE_2D, 1, GL_RGBA8, width, height);
-    next::gl.glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
-    next::gl.glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE);
-    next::gl.glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
-    next::gl.glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
+    for (const auto& [name, value] : parameters) {
+        next::gl.glTexParameteri(GL_TEXTURE_2D, name, value);
+    }
     return texture;
 }
 
@@ -83,11 +104,7 @@ void recreateCopy(int32_t width, int32_t height) {
     }
     mSurfaceWidth = width;
     mSurfaceHeight = height;
-    mDFITempTexture = createTexture(width, height);
-    next::gl.glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_BASE_LEVEL, 0);
-    next::gl.glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAX_LEVEL, 0);
-    next::gl.glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_R, GL_CLAMP_TO_EDGE);
-    next::gl.glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_SRGB_DECODE_EXT, GL_DECODE_EXT);
+    mDFITempTexture = createTexture(width, height, kCopyParameters);
     next::gl.glBindTexture(GL_TEXTURE_2D, gameTexture); // the next frame may go on with it
 }
 
@@ -168,7 +185,7 @@ int processGameCapture(int x, int y, int width, int height, unsigned format, uns
     const GLuint readFramebuffer = boundTo(GL_READ_FRAMEBUFFER_BINDING);
     const GLuint gameTexture = boundTo(GL_TEXTURE_BINDING_2D);
 
-    const GLuint texture = createTexture(width, height);
+    const GLuint texture = createTexture(width, height, kScreenshotParameters);
     const GLuint framebuffer = createDrawFramebuffer(texture);
     // Deliberate: the raised size enters squared, so more is asked for than there is. Where the game's framebuffer
     // has nothing, the copy keeps what it held.

@@ -1,4 +1,5 @@
-// Hkrpg's scenes are told apart by their minimap: a labelled texture, bound in a frame that binds the avatar's icon, too.
+// Hkrpg's scenes are told apart by their minimap: a labelled texture, bound in a frame that binds the avatar's icon,
+// too.
 #pragma once
 
 #include "base/Relaxed.h"

@@ -59,15 +59,16 @@ void OrvelBackbufferControl::updateANativeWindow(ANativeWindow* window) {
 bool OrvelBackbufferControl::setANWBuffersGeometry(int width, int height) {
     constexpr int kLargest = 9999;
     const bool inRange = width >= 1 && width <= kLargest && height >= 1 && height <= kLargest;
-    if (!inRange || !mWindow) {
+    ANativeWindow* const window = mWindow;
+    if (!inRange || !window) {
         ORVEL_LOGE("setANWBuffersGeometry, scale backbuffer error!");
         return false;
     }
-    const int format = ANativeWindow_getFormat(mWindow);
+    const int format = ANativeWindow_getFormat(window);
     WindowSize current{0, 0}; // stays an unknown size when a query fails
-    mWindow->query(mWindow, kQueryBufferWidth, &current.width);
-    mWindow->query(mWindow, kQueryBufferHeight, &current.height);
-    ORVEL_LOGI("setANWBuffersGeometry: %p, %dx%d-%d", static_cast<void*>(mWindow), width, height, format);
+    window->query(window, kQueryBufferWidth, &current.width);
+    window->query(window, kQueryBufferHeight, &current.height);
+    ORVEL_LOGI("setANWBuffersGeometry: %p, %dx%d-%d", static_cast<void*>(window), width, height, format);
     mWidth = width;
     mHeight = height;
     OrvelPrefs* prefs = OrvelSettings::getInstance().mPrefs;
@@ -76,7 +77,7 @@ bool OrvelBackbufferControl::setANWBuffersGeometry(int width, int height) {
     }
     for (const SizeKind kind : kServed) {
         if (isEitherWay(current, configured(*prefs, kind))) {
-            const int status = ANativeWindow_setBuffersGeometry(mWindow, width, height, format);
+            const int status = ANativeWindow_setBuffersGeometry(window, width, height, format);
             ORVEL_LOGI("setANWBuffersGeometry, scale backbuffer, %dx%d-%d --> %dx%d-%d, %d", current.width,
                        current.height, format, width, height, format, status);
             return true;

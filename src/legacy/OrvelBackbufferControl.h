@@ -1,5 +1,7 @@
-// Backbuffer scaling: resizes the buffers of the game's window, and keeps the sizes that the game states for it in step.
+// Backbuffer scaling: resizes the buffers of the game's window and keeps the sizes that the game states in step.
 #pragma once
+
+#include "base/Relaxed.h"
 
 #include <cstdint>
 
@@ -9,7 +11,7 @@ namespace android::orvel {
 
 /**
  * One instance for the process. Windows arrive on the thread that makes the surface, everything else happens on the
- * rendering thread: in the games that are served both are the engine's main thread, so nothing is locked.
+ * rendering thread. In the games that are served both are the engine's main thread, so nothing is locked.
  */
 class OrvelBackbufferControl {
 public:
@@ -38,7 +40,7 @@ public:
 private:
     OrvelBackbufferControl() = default;
 
-    ANativeWindow* mWindow = nullptr;
+    Relaxed<ANativeWindow*> mWindow{nullptr};
     int32_t mWidth = 0; // last applied
     int32_t mHeight = 0;
 };

@@ -19,7 +19,7 @@ public:
     void updateDFIIntervalConfig(std::string packageName);
     /** Once per frame: reads the file, at first and then whenever it was written. */
     void doDFIInterval();
-    /** @return milliseconds; -1 none */
+    /** @return milliseconds; below 1: none */
     int32_t getDFIInterval() const { return mDFIInterval; }
 
     /** Once per frame: takes the time since the last one into the measured rate. */

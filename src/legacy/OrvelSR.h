@@ -23,8 +23,8 @@ public:
     /**
      * Upscales and sharpens a texture on the current context. Leaves its own viewport, scissor box, draw framebuffer,
      * program, vertex array, array buffer and texture of the active unit behind; blending, masks and tests are the
-     * game's. (The array buffer changes only in the call that makes the objects.) Constants and target sizes are those of the
-     * first call. The passes sample texture unit 0.
+     * game's. (The array buffer changes only in the call that makes the objects.) Constants and target sizes are those
+     * of the first call. The passes sample texture unit 0.
      * @return the name of the texture that holds the result, outputWidth x outputHeight
      */
     uint32_t fsr(uint32_t texture, int inputWidth, int inputHeight, int outputWidth, int outputHeight);

@@ -17,8 +17,8 @@ namespace android::orvel {
 
 /**
  * One instance for the process. What is marked so may be called on any thread, the rest on the game's rendering thread:
- * the one that swaps, labels and draws the final copy. The watched file "sr" switches it: just before a
- * labelled copy to the window samples a picture of the reduced size, that picture is replaced by its upscaled one.
+ * the one that swaps and draws the final copy. The watched file "sr" switches it: just before a labelled copy to the
+ * window samples a picture of the reduced size, that picture is replaced by its upscaled one.
  */
 class OrvelSRControl {
 public:
@@ -40,10 +40,13 @@ public:
     void updateGameSRConfig();
     /** Asks OrvelBackbufferControl for the window size that belongs to the switch. */
     void updateBackbufferSize();
-    /** Before each indexed draw: lets the final copy to the window sample the upscaled image. */
+    /**
+     * Before each indexed draw, on any thread: lets the final copy to the window, which only the rendering thread
+     * draws, sample the upscaled image.
+     */
     void hookForPostprocess();
     /**
-     * Remembers programs labelled as the final copy.
+     * Remembers programs labelled as the final copy. Any thread: games label what they load.
      * @param type  GL_PROGRAM_OBJECT_EXT counts
      * @param label zero-terminated
      */
@@ -66,7 +69,7 @@ private:
     int32_t mBaseSRHeightSize = 0;
     int32_t mTargetSRWidthSize = 0; // of the upscaled one
     int32_t mTargetSRHeightSize = 0;
-    OrvelTurns mTurns;                         // at the programs
+    OrvelTurns mTurns;                         // at the programs; threads that load label them, too
     std::unordered_set<uint32_t> mFSRPrograms; // only grows: a game makes its copy programs once
     OrvelSR mSR;
     std::atomic<int32_t> mSwitchStatusSR{std::numeric_limits<int32_t>::max()}; // 1 on, anything else off
@@ -77,7 +80,7 @@ private:
         std::atomic<int32_t> width{0};
         std::atomic<int32_t> height{0};
     } mTargetBackbufferSize;
-    std::mutex mMutex; // never locked: one thread
+    std::mutex mMutex; // never locked: mTurns does what is needed
 };
 
 } // namespace android::orvel

@@ -1,5 +1,5 @@
-// Written from the published description of FidelityFX Super Resolution 1 (2021-06-29), for one pixel per invocation and
-// 32-bit arithmetic throughout.
+// Written from the published description of FidelityFX Super Resolution 1 (2021-06-29), for one pixel per invocation
+// and 32-bit arithmetic throughout.
 #include "legacy/OrvelSRShaders.h"
 
 namespace android::orvel {
@@ -27,9 +27,9 @@ uniform lowp sampler2D _MainTex;
 in vec2 vs_TEXCOORD0;
 layout(location = 0) out vec4 SV_Target0;
 
-// Of numbers that are not negative: they are ordered like the integers that their bits make, and integers are cheaper to
-// compare wherever min and max have to mind NaN. (A negative colour of a float texture sorts below all
-// others, and is stored as 0 in the end either way.)
+// Of numbers that are not negative: they are ordered like the integers that their bits make, and integers are cheaper
+// to compare wherever min and max have to mind NaN. (A negative colour of a float texture sorts below all others, and
+// is stored as 0 in the end either way.)
 float least(float a, float b) { return intBitsToFloat(min(floatBitsToInt(a), floatBitsToInt(b))); }
 float most(float a, float b) { return intBitsToFloat(max(floatBitsToInt(a), floatBitsToInt(b))); }
 vec3 least(vec3 a, vec3 b) { return intBitsToFloat(min(floatBitsToInt(a), floatBitsToInt(b))); }
@@ -112,8 +112,8 @@ void main() {
         direction *= inverseRoot(square);
     }
 
-    // The kernel: the stronger the edge, the longer along it and the narrower across it, by up to sqrt(2) on a diagonal;
-    // the window grows from a radius of sqrt(2) texels to a little over two, and its negative sides deepen.
+    // The kernel: the stronger the edge, the longer along it and the narrower across it, by up to sqrt(2) on a
+    // diagonal; the window grows from a radius of sqrt(2) texels to a little over two, and its negative sides deepen.
     float stretch = dot(direction, direction) * reciprocal(most(abs(direction.x), abs(direction.y)));
     vec2 scale = vec2(1.0 + (stretch - 1.0) * strength, 1.0 - 0.5 * strength);
     float lobe = 0.5 - 0.29 * strength;
@@ -164,8 +164,8 @@ uniform lowp sampler2D _MainTex;
 in vec2 vs_TEXCOORD0;
 layout(location = 0) out vec4 SV_Target0;
 
-// Of numbers that are not negative: they are ordered like the integers that their bits make, and integers are cheaper to
-// compare wherever min and max have to mind NaN.
+// Of numbers that are not negative: they are ordered like the integers that their bits make, and integers are cheaper
+// to compare wherever min and max have to mind NaN.
 float least(float a, float b) { return intBitsToFloat(min(floatBitsToInt(a), floatBitsToInt(b))); }
 float most(float a, float b) { return intBitsToFloat(max(floatBitsToInt(a), floatBitsToInt(b))); }
 vec3 least(vec3 a, vec3 b) { return intBitsToFloat(min(floatBitsToInt(a), floatBitsToInt(b))); }
@@ -198,8 +198,8 @@ void main() {
     vec3 lowest = least(least(up, left), least(right, down));
     vec3 highest = most(most(up, left), most(right, down));
 
-    // How much can be taken from the neighbours, per channel: until the result is 0, or until it is 1. A black or a white
-    // ring would divide 0 by 0.
+    // How much can be taken from the neighbours, per channel: until the result is 0, or until it is 1. A black or a
+    // white ring would divide 0 by 0.
     const float tiny = 1.0 / 32768.0;
     vec3 untilBlack = least(lowest, centre) / most(4.0 * highest, vec3(tiny));
     vec3 untilWhite = (1.0 - most(highest, centre)) / most(4.0 - 4.0 * lowest, vec3(tiny));

@@ -72,9 +72,9 @@ private:
     status_t readyToRun() override;
 
     // Counts and ids cross from the rendering to the reporting thread, and are read and written in two steps. A count
-    // that lands between the thread's look and its clearing is lost, which is accepted; so is what a loading thread of the
-    // game mixes in by its binds. What only draws, clears and
-    // invalidations touch is plain: games render on one thread.
+    // that lands between the thread's look and its clearing is lost, which is accepted; so is what a loading thread of
+    // the game mixes in by its binds. What only draws, clears and invalidations touch is plain: games render on one
+    // thread.
     using Shared = orvel::Relaxed<int32_t>;
 
     static constexpr int32_t mTransferPattern[7] = {6, 108, -1, 6, 6, 6, 420};

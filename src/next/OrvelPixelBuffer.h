@@ -10,7 +10,10 @@ namespace android::orvel::next {
 
 class OrvelTexture2D;
 
-/** Used on the thread of the context that it was made in. A buffer of no size is good for nothing: all calls do nothing. */
+/**
+ * Used on the thread of the context that it was made in. A buffer of no size is good for nothing: all calls do
+ * nothing.
+ */
 class OrvelPixelBuffer {
 public:
     /**
@@ -55,7 +58,9 @@ private:
 /** @return the caller's */
 OrvelPixelBuffer* CreatePBO(uint32_t size, bool upload, GLenum usage);
 
-/** Lets fill write into the mapped buffer (bytes, address). Nothing happens without a buffer, a function or a mapping. */
+/**
+ * Lets fill write into the mapped buffer (bytes, address). Nothing happens without a buffer, a function or a mapping.
+ */
 void UpdatePBO(OrvelPixelBuffer* buffer, const std::function<void(int, void*)>& fill);
 
 // Replaces the texture's whole image; nothing happens when one of the two is null.

@@ -16,8 +16,8 @@ struct Row {
 
 constexpr uint32_t kUnknown = kUnknownPixelSize;
 
-// As whoever draws with these relies on it: 24-bit depth has the type of depth and stencil together, RGB10_A2UI has none,
-// and the two plainest colour formats have no size.
+// As whoever draws with these relies on it: 24-bit depth has the type of depth and stencil together, RGB10_A2UI has
+// none, and the two plainest colour formats have no size.
 constexpr Row kRows[] = {
     {GL_R8, GL_RED, GL_UNSIGNED_BYTE, 1},
     {GL_R8_SNORM, GL_RED, GL_BYTE, 1},

@@ -1,5 +1,6 @@
 #include "settings/GameInfoMonitor.h"
 
+#include "base/OrvelClock.h"
 #include "base/OrvelLog.h"
 #include "base/OrvelPaths.h"
 #include "settings/OrvelDebugProperty.h"
@@ -31,6 +32,8 @@ enum InfoType {
 constexpr int kPictureKeyImageQuality = 8;
 constexpr int kPictureKey10 = 10;
 constexpr int kPictureKey54 = 54;
+
+constexpr int64_t kRetryMicros = 1'000'000;
 
 bool failed(const char* format) {
     ORVEL_LOGE(format, strerror(errno));
@@ -107,6 +110,9 @@ void GameInfoMonitor::eventProcess() {
         }
         mReadLength = static_cast<int32_t>(read(fd, mEvents, sizeof mEvents));
         if (mReadLength < 1) {
+            if (mReadLength < 0 && errno != EINTR) { // a game that closes what it does not know closed the descriptor
+                orvel::sleepMicros(kRetryMicros);
+            }
             continue;
         }
         try {

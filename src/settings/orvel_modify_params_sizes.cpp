@@ -32,7 +32,7 @@ TEX_SIZE target80() { return {mTargetTexWidthYuanshen80, mTargetTexHeightYuanshe
 // ---- the built-in list --------------------------------------------------------------------------------
 
 enum class Rule {
-    POSTPROCESS_LOW, // the game renders at a size that its upscaling was not made for: from now on nothing is rewritten
+    POSTPROCESS_LOW, // the game renders at a size that its upscaling was not made for: from now on this list is over
     SHRINK,          // to the target, if that is narrower
     GROW,            // to the target, if that is wider
 };

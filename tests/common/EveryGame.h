@@ -9,7 +9,10 @@ struct EveryGame {
     const char* configuration;
     bool isExact; // arguments reach the driver as the game gave them
 
-    /** Repeating a frame leaves the framebuffer that it reads and the errors of its copy, and knows one drawing context. */
+    /**
+     * Repeating a frame leaves the framebuffer that it reads and the errors of its copy, and knows one drawing
+     * context.
+     */
     std::string withoutRepetition() const {
         std::string text = configuration;
         if (const size_t key = text.find("dfi_interval"); key != std::string::npos) {
@@ -29,7 +32,8 @@ inline constexpr char kEveryLegacyFeature[] =
 inline constexpr EveryGame kEveryGame[] = {
     {"sgame", "com.tencent.tmgp.sgame",
      R"({"configs": {"xrender_BaseInfo": "262147", "dynamic_dfi_interval": "1",
-        "xrender_PayloadData": "lobby:lobby_.*;pick_hero:hero_stage;pick_hero-UI:hero_list_.*;battle-UI:battle_hud#Hidden/.*#2",
+        "xrender_PayloadData":
+            "lobby:lobby_.*;pick_hero:hero_stage;pick_hero-UI:hero_list_.*;battle-UI:battle_hud#Hidden/.*#2",
         "effect_Binary": "0;1;0;1;hero_skin_.*;result_.*", "effect_Types": "1;2;4;5;7;8",
         "vrs_LabelInfo": "ground#scene_.*;fbo#.*Main_color.*", "vrs_MotionDetection": "1",
         "vrs_LabelLevel": "1#22:ground$22,44,22,44;2#44:ground$22,44,44,22,44,44"}})",

@@ -28,7 +28,9 @@ Pixel pixel() {
     return read;
 }
 
-/** Clears and swaps, which is what the framework hooks in any game; Mesa does not swap in a context that was destroyed. */
+/**
+ * Clears and swaps, which is what the framework hooks in any game; Mesa does not swap in a context that was destroyed.
+ */
 void drawFrame(const Context& context, GLubyte red, bool destroyed = false) {
     glBindFramebuffer(GL_FRAMEBUFFER, 0);
     glDisable(GL_DEPTH_TEST);
@@ -125,8 +127,8 @@ TEST(Contexts, OneIsDestroyedWhileAnotherThreadDraws) {
 
 class EveryGameContexts : public testing::TestWithParam<EveryGame> {};
 
-// Catches bookkeeping that two threads of one share group change at once, and handles that come again while others draw.
-// The legacy features know one context: there the other threads share it and load, while targets are switched.
+// Catches bookkeeping that two threads of one share group change at once, and handles that come again while others
+// draw. The legacy features know one context: there the other threads share it and load, while targets are switched.
 TEST_P(EveryGameContexts, WorkOnManyThreads) {
     GameProcess game(GetParam().package, GetParam().withoutRepetition().c_str());
     game.root().write("/data/system/mcd/gameInfo", "");

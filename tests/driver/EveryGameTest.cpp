@@ -244,8 +244,8 @@ private:
 
 } // namespace
 
-// Catches state that is not given back, errors of ours that are left, errors of the game's that are lost, and a call that
-// does not arrive, arrives twice or with other arguments, whatever filters, rates and recognisers do meanwhile.
+// Catches state that is not given back, errors of ours that are left, errors of the game's that are lost, and a call
+// that does not arrive, arrives twice or with other arguments, whatever filters, rates and recognisers do meanwhile.
 TEST_P(EveryGameTest, SeesAndLeavesTheSameState) {
     expectTheSame([](Transcript& told, const GameProcess& process) {
         process.root().write("/data/system/mcd/gameInfo", "");
@@ -267,8 +267,9 @@ TEST_P(EveryGameTest, SeesAndLeavesTheSameState) {
     });
 }
 
-// Catches EGL that answers otherwise: names that are null, unknown, core or extensions; the function that looks names up
-// looked up by itself; every entry of the thread's table; calls without a context, without a surface, and after the end.
+// Catches EGL that answers otherwise: names that are null, unknown, core or extensions; the function that looks names
+// up looked up by itself; every entry of the thread's table; calls without a context, without a surface, and after the
+// end.
 TEST_P(EveryGameTest, GetsTheSameAnswersOfEgl) {
     expectTheSame([](Transcript& told, const GameProcess&) {
         const auto tell = [&](const char* what, auto value) {

@@ -46,8 +46,8 @@ constexpr uint32_t kYellow = 0xFF00FFFF;
 
 } // namespace
 
-// Catches a copy that lacks pixels or is upside down, bindings other than those that the repetition is known to leave, a
-// frame that is repeated within the interval, and an error of ours that the game finds.
+// Catches a copy that lacks pixels or is upside down, bindings other than those that the repetition is known to leave,
+// a frame that is repeated within the interval, and an error of ours that the game finds.
 TEST(RepeatedFrame, HoldsThePixelsOfTheFirst) {
     GameProcess game("com.miHoYo.Yuanshen", R"({"configs":{"dfi_interval":"60000"}})");
     game.root().write("/properties", kVerbose);

@@ -155,7 +155,8 @@ TEST(LargeAnswer, FailsAboveTheLimit) {
 class OldContext : public testing::TestWithParam<const char*> {};
 
 // Catches a hook that asks an older context what it does not know, and so leaves an error that the game finds. Known to
-// do so, and left out: boss recognition asks for texture sizes, frame repetition binds one framebuffer for each purpose.
+// do so, and left out: boss recognition asks for texture sizes, frame repetition binds one framebuffer for each
+// purpose.
 TEST_P(OldContext, GetsNoErrorsOfOurs) {
     setenv("MESA_GLES_VERSION_OVERRIDE", GetParam(), 1);
     std::string configuration = kEverything;

@@ -1,5 +1,5 @@
-// Mesa frees its contexts and its compiler when the process ends, and does not stand a thread that draws then. A device's
-// driver stays. So that a test can tell what the library does at that moment, Mesa is not told of it.
+// Mesa frees its contexts and its compiler when the process ends, and does not stand a thread that draws then. A
+// device's driver stays. So that a test can tell what the library does at that moment, Mesa is not told of it.
 #include <cstring>
 #include <dlfcn.h>
 #include <initializer_list>

@@ -275,8 +275,8 @@ TEST_F(EffectsOnMesa, LeaveTheGamesStateAlone) {
     EXPECT_SAME_STATE(before);
 }
 
-// Catches a file that crashes the reader, is taken although it is damaged, or is refused although it is fine; rows of an
-// odd length that shift, and an interlaced image that is put together wrongly.
+// Catches a file that crashes the reader, is taken although it is damaged, or is refused although it is fine; rows of
+// an odd length that shift, and an interlaced image that is put together wrongly.
 TEST_F(EffectsOnMesa, ReadTheImagesThatAreOfUse) {
     load(0);
     EffectGame::load(*mManager);

@@ -1,5 +1,5 @@
-// The state of the current GLES 3.2 context, asked from the driver and not from the library's tables: what a guest in it
-// must leave as it was.
+// The state of the current GLES 3.2 context, asked from the driver and not from the library's tables: what a guest in
+// it must leave as it was.
 #pragma once
 
 #include <map>

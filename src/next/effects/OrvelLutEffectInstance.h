@@ -29,7 +29,9 @@ public:
     /** @param strength percent */
     void SetLutStrength(int strength);
     int32_t GetLutStrength() const { return mStrength; }
-    /** After the draw, before the tracker restores: binds again what the game had on our unit and no tracker knows of. */
+    /**
+     * After the draw, before the tracker restores: binds again what the game had on our unit and no tracker knows of.
+     */
     void ReleaseTextureUnit();
 
 private:

@@ -36,8 +36,8 @@ private:
 };
 
 /**
- * Takes images of eight bits a channel, RGB or RGBA, of up to 4096 x 4096 pixels, as they are stored. Nothing is logged:
- * what a file lacks ends in an answer of false.
+ * Takes images of eight bits a channel, RGB or RGBA, of up to 4096 x 4096 pixels, as they are stored. Nothing is
+ * logged: what a file lacks ends in an answer of false.
  */
 class PngImage {
 public:

@@ -18,6 +18,29 @@ namespace {
 
 std::vector<std::string> takeEvents() { return std::exchange(sEvents, {}); }
 
+/** Calls a node's hook with zeros. */
+template <typename Functor, typename Entry, typename R, typename... Args>
+R run(const module::GlNode<Functor, Entry>& node, R (*)(module::OrvelModuleBase*, Args...)) {
+    return node.hook(node.owner, Args{}...);
+}
+
+// Catches an entry that is missing, whose chain ends at another one's driver call, or whose dummies reach the driver.
+TEST(HookableGl, EveryChainEndsAtItsOwnEntry) {
+    const auto driver = RecordingDriver::installed();
+    int entries = 0;
+#define ENDS(Xxx)                                                                                                      \
+    run(module::sPreDummyGl##Xxx, module::sPreDummyGl##Xxx.hook);                                                      \
+    run(module::sPostDummyGl##Xxx, module::sPostDummyGl##Xxx.hook);                                                    \
+    EXPECT_THAT(driver->calls(), IsEmpty()) << #Xxx;                                                                   \
+    run(module::sDriverGl##Xxx, module::sDriverGl##Xxx.hook);                                                          \
+    EXPECT_THAT(driver->calls(), ElementsAre(testing::StartsWith("gl" #Xxx "(")));                                     \
+    driver->forget();                                                                                                  \
+    ++entries;
+    ORVEL_HOOKABLE_GL(ENDS)
+#undef ENDS
+    EXPECT_EQ(entries, 56);
+}
+
 // Catches a hook that swallows calls or results of threads without a processor.
 TEST(GlobalHooks, ThreadsWithoutAProcessorReachTheDriver) {
     const auto driver = RecordingDriver::installed();

@@ -1,8 +1,10 @@
 #include "app/OrvelContextManager.h"
 
+#include "AllocationCounter.h"
 #include "FrameworkProcess.h"
 #include "LogCapture.h"
 #include "RecordingDriver.h"
+#include "app/OrvelModuleBase.h"
 #include "app/OrvelProcessorBase.h"
 #include "app/OrvelRenderContext.h"
 #include "app/OrvelSwapHooks.h"
@@ -32,6 +34,23 @@ void* current() { return gContextTls ? gContextTls->mContext : nullptr; }
 void* afterMakeCurrent(void* context) {
     manager().MakeCurrentRenderContext(context);
     return current();
+}
+
+int sReleased = 0;
+
+/** Counts when it goes, with its processor. */
+class CountedModule : public app::module::OrvelModuleBase {
+public:
+    using OrvelModuleBase::OrvelModuleBase;
+    ~CountedModule() override { ++sReleased; }
+    uint32_t GetModuleId() const override { return 77; }
+    void RegisterModuleFunctors() override {}
+    void UnregisterModuleFunctors() override {}
+};
+
+void countRelease(OrvelRenderContext* context) {
+    sReleased = 0;
+    context->mProcessor->RegisterModule(new CountedModule(context->mProcessor));
 }
 
 /** Does something on a thread of that name, which gives its context back when it ends. */
@@ -68,8 +87,36 @@ TEST(ContextManager, ServesEveryContextInModeZero) {
     EXPECT_EQ(afterMakeCurrent(kA), kA);
     manager().EraseRenderContext(kB);
     EXPECT_EQ(current(), kA);
+    countRelease(gContextTls);
+    EXPECT_TRUE(manager().CreateAndAddRenderContext(kA)); // another one at the same address
+    EXPECT_EQ(current(), nullptr);
+    EXPECT_EQ(sReleased, 1);
+    EXPECT_EQ(afterMakeCurrent(kA), kA);
+    countRelease(gContextTls);
     manager().EraseRenderContext(kA);
     EXPECT_EQ(current(), nullptr);
+    EXPECT_EQ(sReleased, 1);
+    manager().EraseRenderContext(kA);
+}
+
+// Catches a lock that waits for itself.
+TEST(ContextManager, MayBeCalledFromWithinItsLog) {
+    beFramework(APP_TYPE_BILI, kSharedShading);
+    static int lines;
+    __android_log_set_logger([](const __android_logger_data*, const char*) {
+        ++lines;
+        manager().CreateAndAddRenderContext(kB);
+        manager().MakeCurrentRenderContext(kA);
+        manager().UpdateMainRenderContextByPipelineInfo();
+        manager().EraseRenderContext(kA);
+    });
+    manager().CreateAndAddRenderContext(kA);
+    EXPECT_EQ(afterMakeCurrent(kA), kA);
+    manager().MakeCurrentRenderContext(kB);
+    EXPECT_EQ(lines, 1);
+    __android_log_set_logger(__android_log_stderr_logger);
+    EXPECT_EQ(current(), kA);
+    EXPECT_EQ(afterMakeCurrent(nullptr), nullptr);
     manager().EraseRenderContext(kA);
 }
 
@@ -84,7 +131,8 @@ TEST(ContextManager, DoesNothingWithoutModules) {
     manager().EraseRenderContext(kA);
 }
 
-// Catches a processor freed under a thread that draws with it, one that becomes the main one although it is over, and a new context at the same address that is taken for the old one.
+// Catches a processor freed under a thread that draws with it, one that becomes the main one although it is over, and a
+// new context at the same address that is taken for the old one.
 TEST(ContextManager, ParksAContextThatIsCurrentElsewhere) {
     auto& data = beFramework(APP_TYPE_BILI, kSharedShading);
     for (const bool replaced : {false, true}) {
@@ -94,6 +142,7 @@ TEST(ContextManager, ParksAContextThatIsCurrentElsewhere) {
         std::thread other([&] {
             EXPECT_EQ(afterMakeCurrent(kA), kA);
             parked = gContextTls;
+            countRelease(parked);
             step = 1;
             step.notify_all();
             step.wait(1);
@@ -103,7 +152,9 @@ TEST(ContextManager, ParksAContextThatIsCurrentElsewhere) {
             manager().UpdateMainRenderContextByPipelineInfo(); // is over: cannot become the main one
             EXPECT_TRUE(manager().CheckMainRenderContextByPipelineInfo());
             data.mainContextMode = 0;
+            EXPECT_EQ(sReleased, 0);
             EXPECT_EQ(afterMakeCurrent(nullptr), nullptr);
+            EXPECT_EQ(sReleased, 1);
         });
         step.wait(0);
         if (!replaced) {
@@ -120,14 +171,19 @@ TEST(ContextManager, ParksAContextThatIsCurrentElsewhere) {
     }
 }
 
-// Catches a search where the whole name must match, a second main context, and a choice that is made again.
+// Catches a search where the whole name must match, a second main context, a choice that is made again, and a second
+// lock.
 TEST(ContextManager, ServesOneContextByThreadName) {
     auto& data = beFramework(APP_TYPE_BILI, kSharedShading);
     data.mainContextMode = 1;
     data.mainThreadName = "Render[A-Z]hread";
     EXPECT_TRUE(manager().CreateAndAddRenderContext(kA));
     onThread("GameThread", [] { EXPECT_EQ(afterMakeCurrent(kA), nullptr); });
-    onThread("RenderThread 2", [] { EXPECT_EQ(afterMakeCurrent(kA), nullptr); });
+    onThread("RenderThread 2", [] {
+        const size_t locks = locksSoFar();
+        EXPECT_EQ(afterMakeCurrent(kA), nullptr);
+        EXPECT_EQ(locksSoFar() - locks, 1u);
+    });
     onThread("RenderThread", [] {
         EXPECT_EQ(afterMakeCurrent(kB), kB);
         EXPECT_EQ(afterMakeCurrent(kA), nullptr);
@@ -144,7 +200,11 @@ TEST(ContextManager, ServesUntilOneContextIsRecognised) {
     auto& data = beFramework(APP_TYPE_BILI, kSharedShading);
     data.mainContextMode = 2;
     data.mainThreadName = "Worker.*";
-    onThread("GameThread", [] { EXPECT_EQ(afterMakeCurrent(kA), nullptr); });
+    onThread("GameThread", [] {
+        EXPECT_EQ(afterMakeCurrent(kA), nullptr);
+        manager().UpdateMainRenderContextByPipelineInfo(); // there is none to be the main one
+    });
+    EXPECT_TRUE(manager().CheckMainRenderContextByPipelineInfo());
     onThread("Worker 1", [] { EXPECT_EQ(afterMakeCurrent(kA), kA); });
     data.mainThreadName.clear(); // admits every thread
     EXPECT_EQ(afterMakeCurrent(kB), kB);

@@ -84,13 +84,17 @@ const Keys kKeys[] = {
     {R"({"xrender_BaseInfo":["2"]})", {}},
     {R"({"xrender_CheckMainInfo":"2"})", {}},
     {"null", {}},
+    {R"({"xrender_BaseInfo":"4"})", {}, 0, "", 4},
+    {R"({"xrender_BaseInfo":"3","effect_Binary":"x"})", {1}, 0, "", 3}, // unusable parameters
     {R"({"xrender_BaseInfo":"2","xrender_CheckMainInfo":";"})", {2}, 0, "", 2},
+    {R"({"xrender_BaseInfo":"2","xrender_CheckMainInfo":"1"})", {2}, 0, "", 2},
+    {R"({"xrender_BaseInfo":"2","xrender_CheckMainInfo":"1;"})", {2}, 0, "", 2},
     {R"({"xrender_BaseInfo":"2","xrender_CheckMainInfo":"1;Unity.*;x"})", {2}, 1, "Unity.*", 2},
     {R"({"xrender_BaseInfo":"2","xrender_CheckMainInfo":"0;Unity"})", {2}, 0, "Unity", 2},
 };
 
-// Catches a mask bit read as a module number, a mode without the pattern it needs, an id without parameters that stays,
-// and a monitor that is started for nothing.
+// Catches a mask bit read as a module number, a mode without the pattern it needs, an id that stays without parameters
+// or with unusable ones, and a monitor that is started for nothing.
 TEST(ProcessorConfiguration, FillsIdsAndMainContext) {
     const TestRoot root; // without a file to watch: the monitor says so when it is started
     orvel::OrvelSettings::getInstance().mApplicationType = APP_TYPE_PUBG;
@@ -99,7 +103,7 @@ TEST(ProcessorConfiguration, FillsIdsAndMainContext) {
         OrvelProcessorDataBase* data = CreateProcessorData();
         LogCapture log;
         Json::Value json = parse(keys.json);
-        if (json.isObject()) {
+        if (json.isObject() && !json.isMember("effect_Binary")) {
             json["effect_Binary"] = "0;0;0"; // what module 2 needs
         }
         data->InitProcessorConfigData(json);
@@ -149,7 +153,7 @@ TEST(ProcessorConfiguration, IsEmptyAfterAMalformedNumber) {
 }
 
 // Catches a payload that comes after the parameters, or comes though nobody sent one, and parameters that are made
-// twice or kept although they are unusable.
+// twice.
 TEST(ProcessorConfiguration, ParsesThePayloadFirst) {
     class Payload : public OrvelProcessorDataBase {
     public:
@@ -172,6 +176,8 @@ TEST(ProcessorConfiguration, ParsesThePayloadFirst) {
     second.InitProcessorConfigData(parse(R"({"xrender_BaseInfo":"1","xrender_PayloadData":""})"));
     second.InitProcessorConfigData(parse(R"({"xrender_PayloadData":"a#b"})"));
     EXPECT_THAT(second.payloads, ElementsAre("", "a#b late"));
+    second.InitModuleIdArray(1 | 1u << 30 | 1u << 31); // one that is there, and two bits that are no modules
+    EXPECT_THAT(second.GetModuleIds(), ElementsAre(1));
 }
 
 // ---- the factory ---------------------------------------------------------------------------------------------------
@@ -192,6 +198,8 @@ TEST(Factory, SortsApplicationTypes) {
         EXPECT_EQ(IsSharedProcessor(), type >= 6 && type <= 9) << type;
     }
     own = APP_TYPE_YUANSHEN;
+    InitProcessorCreateInfo(); // a processor of none, so that whoever asks gets an answer
+    EXPECT_EQ(CreateGLProcessor(), nullptr);
     OrvelProcessorDataBase* data = CreateProcessorData();
     ASSERT_NE(data, nullptr);
     EXPECT_FALSE(data->HasAnyModuleId());

@@ -90,6 +90,25 @@ TEST(VRSComponent, MakesAndAttachesImages) {
     EXPECT_THAT(driver.calls(), IsEmpty());
 }
 
+// Catches images that are made for a driver without them, and a rate that is set through nothing.
+TEST(VRSComponent, DoesWhatTheDriverCan) {
+    auto& component = VRSComponent::GetInstance();
+    ShadingRateImageInfo image{0, 277, 116};
+    FrameBufferInfo framebuffer{3, 4, 0, 0};
+    {
+        const Driver driver({"QCOM"});
+        component.Init();
+        next::ext.glFramebufferShadingRateEXT = next::gl.glFramebufferShadingRateEXT;
+        EXPECT_TRUE(component.CreateShadingrateImage(image)); // there is nothing to be done
+        EXPECT_FALSE(component.CreateVRSFramebuffer(GL_FRAMEBUFFER, 9, framebuffer, image));
+        EXPECT_THAT(driver.calls(), IsEmpty());
+    }
+    const Driver driver({});
+    component.Init();
+    component.SetShadingRate(GL_SHADING_RATE_2X2_PIXELS_EXT);
+    EXPECT_THAT(driver.calls(), IsEmpty());
+}
+
 // Catches an upload that leaves our texture or buffer bound, writes past the caller's memory, or goes to texture 0.
 TEST(VRSComponent, Uploads) {
     Driver driver({"EXT"});
@@ -112,6 +131,9 @@ TEST(VRSComponent, Uploads) {
 
     driver.forget();
     EXPECT_FALSE(component.UpdateShadingRateImageWithVal(7, memory.data(), 9, -3, 2, 5));
+    EXPECT_FALSE(component.UpdateShadingRateImageWithVal(0, memory.data(), 9, 3, 2, 6));
+    EXPECT_EQ(memory[0], 5);
+    EXPECT_FALSE(component.UpdateShadingRateImageWithVal(7, nullptr, 9, 3, 2, 5));
     EXPECT_FALSE(component.UpdateShadingRateImageWithData(7, nullptr, 9, 3, 2));
     EXPECT_FALSE(component.UpdateShadingRateImageWithData(0, memory.data(), 9, 3, 2));
     EXPECT_FALSE(component.UpdateShadingRateImageWithPBO(7, 0, 9, 3, 2));

@@ -87,13 +87,13 @@ Calls operator+(Calls first, const Calls& second) {
 Calls creation(GLuint texture, GLint width, GLint height) {
     return {call("glBindTexture", GL_TEXTURE_2D, texture),
             call("glTexStorage2D", GL_TEXTURE_2D, 1, GL_RGBA8, width, height),
-            parameter(GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE),
-            parameter(GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE),
-            parameter(GL_TEXTURE_MIN_FILTER, GL_LINEAR),
-            parameter(GL_TEXTURE_MAG_FILTER, GL_LINEAR),
             parameter(GL_TEXTURE_BASE_LEVEL, 0),
             parameter(GL_TEXTURE_MAX_LEVEL, 0),
+            parameter(GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE),
+            parameter(GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE),
             parameter(GL_TEXTURE_WRAP_R, GL_CLAMP_TO_EDGE),
+            parameter(GL_TEXTURE_MIN_FILTER, GL_LINEAR),
+            parameter(GL_TEXTURE_MAG_FILTER, GL_LINEAR),
             parameter(GL_TEXTURE_SRGB_DECODE_EXT, GL_DECODE_EXT),
             call("glBindTexture", GL_TEXTURE_2D, 41),
             call("glBindFramebuffer", GL_DRAW_FRAMEBUFFER, texture + 1),
@@ -103,10 +103,12 @@ Calls creation(GLuint texture, GLint width, GLint height) {
 // Catches a frame that is kept too early or too late, presented twice or never, through a hook, or whose second swap's
 // result is lost; a copy that is made anew in each frame or keeps the size of an earlier surface.
 TEST_F(FrameCapture, RepeatsFramesAtTheInterval) {
+    const LogCapture log;
     const std::string swap = call("platform.eglSwapBuffers", kDisplay, kSurface);
     mDFIInterval = 16;
     EXPECT_THAT(saved(), ElementsAreArray(creation(5, 64, 32) + blit(0, 6, 64, 32, true))) << "the first at once";
     EXPECT_THAT(swapped(7), ElementsAreArray(blit(6, 0, 64, 32, false) + Calls{swap}));
+    EXPECT_THAT(log.lines(), IsEmpty());
     EXPECT_THAT(swapped(EGL_TRUE), IsEmpty());
 
     mClock.advanceNanos(15'999'999);
@@ -175,8 +177,8 @@ TEST_F(Screenshot, IsServedFromAScaledCopy) {
     EXPECT_THAT(
         drawn(),
         ElementsAre(call("glBindTexture", GL_TEXTURE_2D, 5), call("glTexStorage2D", GL_TEXTURE_2D, 1, GL_RGBA8, 30, 20),
-                    parameter(GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE), parameter(GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE),
                     parameter(GL_TEXTURE_MIN_FILTER, GL_LINEAR), parameter(GL_TEXTURE_MAG_FILTER, GL_LINEAR),
+                    parameter(GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE), parameter(GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE),
                     call("glBindFramebuffer", GL_DRAW_FRAMEBUFFER, 6),
                     call("glFramebufferTexture2D", GL_DRAW_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, 5, 0),
                     call("glBlitFramebuffer", 0, 0, 53, 125, 0, 0, 30, 20, GL_COLOR_BUFFER_BIT, GL_LINEAR),

@@ -13,7 +13,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <filesystem>
 #include <map>
 #include <numeric>
 #include <sys/prctl.h>
@@ -95,7 +94,6 @@ protected:
         mGame.glDrawElements(GL_TRIANGLES, 6, GL_UNSIGNED_SHORT, nullptr);
         return mDriver->calls();
     }
-    bool isReplaced() { return draw().size() > 20; }
 
     static constexpr GLint kCopyProgram = 9;
 
@@ -113,8 +111,8 @@ protected:
 
 } // namespace
 
-// Catches a pass that is missing or misplaced, state that is restored in another order or beyond what the copy needs, and
-// objects that are made a second time.
+// Catches a pass that is missing or misplaced, state that is restored in another order or beyond what the copy needs,
+// and objects that are made a second time.
 TEST_F(SuperResolution, ReplacesThePictureOfTheFinalCopy) {
     start();
     write("game 1");
@@ -123,6 +121,7 @@ TEST_F(SuperResolution, ReplacesThePictureOfTheFinalCopy) {
     mDriver->answer<&GlTable::glGenVertexArrays>([this](GLsizei, GLuint* name) { *name = mNextName++; });
     mDriver->answer<&GlTable::glCreateProgram>([this] { return mNextName++; });
     mDriver->answer<&GlTable::glGenFramebuffers>([this](GLsizei, GLuint* name) { *name = mNextName++; });
+    LogCapture log;
     draw(); // makes the passes
     const auto parameter = [](GLenum name, GLint value) { return call("glTexParameteri", GL_TEXTURE_2D, name, value); };
     const Calls pass = {call("glTexStorage2D", GL_TEXTURE_2D, 1, GL_RGBA8, 2712, 1220),
@@ -141,6 +140,10 @@ TEST_F(SuperResolution, ReplacesThePictureOfTheFinalCopy) {
     Calls both = pass; // the second is made after the first has drawn
     both.insert(both.end(), pass.begin(), pass.end());
     EXPECT_EQ(mDriver->callsOf({"glTexParameteri", "glTexStorage2D", "glDrawArrays"}), both);
+    EXPECT_THAT(mDriver->callsOf({"glBindAttribLocation", "glLinkProgram"}),
+                ElementsAre(testing::StartsWith("glBindAttribLocation"), testing::StartsWith("glLinkProgram"),
+                            testing::StartsWith("glBindAttribLocation"), testing::StartsWith("glLinkProgram")));
+    EXPECT_TRUE(log.has(ANDROID_LOG_DEBUG, "SuperResolution SR mFSREASUParam[15] = 0.596721"));
     EXPECT_THAT(mLabels, ElementsAre("Hidden/PostProcessing/Copy", "FSREASU", "FSRRCAS"));
     const GLuint easu = 100; // names in order: texture, framebuffer, program, vertex array of each pass
     const GLuint rcas = 104;
@@ -166,42 +169,43 @@ TEST_F(SuperResolution, LeavesEverythingElseAlone) {
     start();
     write("game 1");
     swap();
-    const auto check = [&](const char* what, auto change, bool expected = false) {
+    // What is asked before the decision, besides the draw.
+    constexpr size_t kNothing = 1;
+    constexpr size_t kProgram = 2;
+    constexpr size_t kState = 11;
+    const auto check = [&](const char* what, size_t calls, auto change) {
         SCOPED_TRACE(what);
         beAtFinalCopy();
         change();
-        EXPECT_EQ(isReplaced(), expected);
+        EXPECT_EQ(draw().size(), calls);
+        EXPECT_THAT(mDriver->callsWithout({"glGet"}), ElementsAre(testing::StartsWith("glDrawElements")));
     };
-    check(
-        "final copy", [] {}, true);
-    check("other framebuffer", [&] { mState[GL_DRAW_FRAMEBUFFER_BINDING] = 3; });
-    check("unknown framebuffer", [&] { mState.erase(GL_DRAW_FRAMEBUFFER_BINDING); });
-    check("other width", [&] { mState[GL_TEXTURE_WIDTH] = 1621; });
-    check("other height", [&] { mState[GL_TEXTURE_HEIGHT] = 1; });
+    check("other framebuffer", kState, [&] { mState[GL_DRAW_FRAMEBUFFER_BINDING] = 3; });
+    check("unknown framebuffer", kState, [&] { mState.erase(GL_DRAW_FRAMEBUFFER_BINDING); });
+    check("other width", kState, [&] { mState[GL_TEXTURE_WIDTH] = 1621; });
+    check("other height", kState, [&] { mState[GL_TEXTURE_HEIGHT] = 1; });
     const auto labelled = [&](GLenum type, const char* label) {
         mGame.glLabelObjectEXT(type, 77, 0, label);
         mState[GL_CURRENT_PROGRAM] = 77;
     };
-    check("other label", [&] { labelled(GL_PROGRAM_OBJECT_EXT, "Hidden/PostProcessing/Copy2"); });
-    check("other type", [&] { labelled(GL_PROGRAM, "Hidden/PostProcessing/Copy"); });
-    check(
-        "label with a length",
-        [&] {
-            mGame.glLabelObjectEXT(GL_PROGRAM_OBJECT_EXT, 78, 26, "Hidden/PostProcessing/CopyX");
-            mState[GL_CURRENT_PROGRAM] = 78;
-        },
-        true);
+    check("other label", kProgram, [&] { labelled(GL_PROGRAM_OBJECT_EXT, "Hidden/PostProcessing/Copy2"); });
+    check("other type", kProgram, [&] { labelled(GL_PROGRAM, "Hidden/PostProcessing/Copy"); });
     write("game 2");
     swap();
-    check("switched off", [] {});
+    check("switched off", kNothing, [] {});
+    write("game 1");
+    swap();
     mPrefs->mSRSizes[0].height = 0;
     start();
     mGame.glLabelObjectEXT(GL_PROGRAM_OBJECT_EXT, 79, 0, "Hidden/PostProcessing/Copy"); // not even recorded
-    check("a size below 1", [] {});
-    EXPECT_EQ(draw().size(), 1u); // and nothing is even asked
+    check("a size below 1", kNothing, [] {});
     mPrefs->mSRSizes[0].height = 728;
     start();
-    check("recorded too early", [&] { mState[GL_CURRENT_PROGRAM] = 79; });
+    check("recorded too early", kProgram, [&] { mState[GL_CURRENT_PROGRAM] = 79; });
+    mGame.glLabelObjectEXT(GL_PROGRAM_OBJECT_EXT, 78, 26, "Hidden/PostProcessing/CopyX"); // a label with a length
+    beAtFinalCopy();
+    mState[GL_CURRENT_PROGRAM] = 78;
+    EXPECT_GT(draw().size(), kState);
 }
 
 // Catches a switch that is read in another way, at another time or without being watched; another log text.
@@ -243,13 +247,17 @@ TEST_F(SuperResolution, StaysOffWithoutAReadableSwitch) {
     start();
     LogCapture log;
     swap();
-    EXPECT_TRUE(log.has(ANDROID_LOG_ERROR, "SuperResolution SR open fail: No such file or directory"));
-    EXPECT_FALSE(log.has(ANDROID_LOG_INFO, "Support SuperResolution SR."));
+    EXPECT_THAT(log.lines(),
+                ElementsAre(LogLine{ANDROID_LOG_ERROR, "SuperResolution SR open fail: No such file or directory"},
+                            LogLine{ANDROID_LOG_INFO, "SuperResolution SR mSwitchStatusSR:-1"},
+                            LogLine{ANDROID_LOG_DEBUG, "mBFSizeConfig SR OFF"},
+                            LogLine{ANDROID_LOG_ERROR, "setANWBuffersGeometry, scale backbuffer error!"}));
+    EXPECT_EQ(mControl.getTargetBackbufferSize(), std::pair(1808, 814));
     log.clear();
     write("game 1"); // too late: only a switch that was there at the first swap is watched
     swap();
     beAtFinalCopy();
-    EXPECT_FALSE(isReplaced());
+    EXPECT_EQ(draw().size(), 1u);
     EXPECT_EQ(log.lines().size(), 0u);
 }
 
@@ -267,9 +275,17 @@ TEST_F(SuperResolution, ResizesTheWindowWithTheSwitch) {
     mDriver->forget();
     write("game 1");
     swap();
+    using testing::MatchesRegex;
+    EXPECT_THAT(log.texts(ANDROID_LOG_INFO),
+                IsSupersetOf({
+                    MatchesRegex("updateANativeWindow: UnityMain-[0-9]+, 0x[0-9a-f]+"),
+                    MatchesRegex("updateANativeWindow-success: UnityMain-[0-9]+, 0x[0-9a-f]+"),
+                    MatchesRegex("setANWBuffersGeometry: 0x[0-9a-f]+, 2400x1080-5"),
+                }));
     EXPECT_EQ(mWindow.now, (desktop::WindowGeometry{2400, 1080, 5}));
     EXPECT_THAT(mDriver->calls(),
-                IsSupersetOf({call("glViewport", 0, 0, 2400, 1080), call("glScissor", 0, 0, 2400, 1080)}));
+                ElementsAre(testing::StartsWith("platform.eglSwapBuffers"), call("glViewport", 0, 0, 2400, 1080),
+                            call("glScissor", 0, 0, 2400, 1080)));
     EXPECT_TRUE(log.has(ANDROID_LOG_INFO, "setANWBuffersGeometry, scale backbuffer, 2712x1220-5 --> 2400x1080-5, 0"));
     EXPECT_TRUE(log.has(ANDROID_LOG_DEBUG, "mBFSizeConfig SR ON"));
     EXPECT_EQ(mControl.getTargetBackbufferSize(), std::pair(2400, 1080));
@@ -326,6 +342,7 @@ TEST_F(SuperResolution, RewritesTheSizesThatTheGameStates) {
     EXPECT_EQ(rewritten(100, 200), Size(100, 200));
     EXPECT_TRUE(window.isEnableBackbufferScale());
     EXPECT_EQ(rewritten(1220, 2712), Size(1220, 2712)); // this orientation is unknown here
+    EXPECT_TRUE(log.has(ANDROID_LOG_INFO, "checkModifyUserDimensions, disableBackbufferScale"));
     EXPECT_FALSE(window.isEnableBackbufferScale());
     EXPECT_EQ(rewritten(2712, 1220), Size(2712, 1220));
 }

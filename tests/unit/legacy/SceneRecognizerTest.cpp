@@ -136,7 +136,9 @@ TEST_P(Scenes, AreRecognised) {
 INSTANTIATE_TEST_SUITE_P(
     Boss, Scenes,
     testing::Values(Scene{kBossTextures + "162 54 54 7", 1006}, Scene{kBossTextures + "162 54 12 54 7", 1006},
-                    Scene{kBossTextures + "162 54 13 54 7", 1005},
+                    Scene{kBossTextures + "162 54 13 54 7", 1005}, Scene{kBossTextures + "163 54 12 54 7", 1005},
+                    Scene{kBossTextures + "162 54 12 55 7", 1005}, Scene{"1024x512 4x4 1x1 162 54 54 7", 1005},
+                    Scene{"1024x1024 4x8 1x1 162 54 54 7", 1005},
                     Scene{kBossTextures + "162 54 54", 1005}, // the draw under way is not in the history
                     Scene{kBossTextures + "v162 v54 v54 7", 1005},
                     Scene{"1024x1024 4x4 162 54 54 7", 1005}, // the last bind is not in the history
@@ -188,7 +190,8 @@ TEST(SceneSwitches, WorkAlone) {
     }
 }
 
-// Catches a scene that is sent more or less than twice in a row, counts that outlive a period, and one that sleeps wrongly.
+// Catches a scene that is sent more or less than twice in a row, counts that outlive a period, and one that sleeps
+// wrongly.
 TEST(SceneReport, SendsEachNewSceneTwice) {
     RecognisedGame game;
     EXPECT_THAT(game.mRecognizer->tick(), ElementsAre(1005));
@@ -249,6 +252,10 @@ TEST(HkrpgScenes, FollowTheMinimapOfEachFrame) {
     label(8, "Minimap_Chap01_ADV_Area_Square_01_BackGround"); // replaces texture 3
     EXPECT_EQ(frame({3, 9}), "");
     EXPECT_EQ(frame({8, 9}), "recognizeHkrpgScene 4: 1012");
+    mEnableHkrpgSceneRecognize = false;
+    EXPECT_EQ(frame({5, 9}), "") << "switched off";
+    mEnableHkrpgSceneRecognize = true;
+    EXPECT_EQ(frame({9}), "recognizeHkrpgScene 0: 1005") << "what was bound meanwhile does not count";
 }
 
 // Catches an Hkrpg scene that waits for a change, takes the turn of another, or clears what was counted.
@@ -256,7 +263,9 @@ TEST(SceneReport, SendsHkrpgScenesWheneverNothingElseIsOn) {
     RecognisedGame game;
     for (const int32_t scene : {4, -1}) { // a number without an id repeats the last
         game.mRecognizer->recognizeHkrpgScene(scene);
+        const int64_t before = orvel::monotonicNanos();
         EXPECT_THAT(game.mRecognizer->tick(), ElementsAre(1012)) << scene;
+        EXPECT_EQ(orvel::monotonicNanos() - before, 2'000'000'000);
     }
     game.mRecognizer->recognizeHkrpgScene(1);
     game.play(kTransfer);

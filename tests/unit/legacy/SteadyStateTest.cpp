@@ -4,9 +4,12 @@
 #include "legacy/FrameCapture.h"
 #include "legacy/HkrpgScenes.h"
 #include "legacy/OrvelDRR.h"
+#include "legacy/OrvelSRControl.h"
 #include "legacy/SceneRecognizer.h"
 #include "loader/OrvelLegacyHooks.h"
 #include "next/OrvelNext.h"
+#include "settings/OrvelPrefs.h"
+#include "settings/OrvelSettings.h"
 
 #include <gtest/gtest.h>
 
@@ -89,8 +92,22 @@ TEST_F(SteadyState, FramesAllocateNothing) {
     mOrvelDRR = nullptr;
 }
 
-// Catches memory that is asked for by a recogniser, a rewritten size or a repeated frame.
+int sPasses = 0;
+
+// Catches memory that is asked for by a recogniser, a rewritten size, a repeated frame or an upscaled one.
 TEST_F(SteadyState, RecognitionAndRewritingAllocateNothing) {
+    const TestRoot root;
+    root.write("/data/system/mcd/dfi", "game 16\n");
+    root.write("/data/system/mcd/sr", "game 1\n");
+    orvel::OrvelSettings& settings = orvel::OrvelSettings::getInstance();
+    settings.mPackageName = "com.example.game";
+    settings.mPrefs = new OrvelPrefs;
+    settings.mPrefs->mDynamicDFIEnabled = true;
+    settings.mPrefs->mSRSizes = {TEX_SIZE{64, 64}, TEX_SIZE{128, 128}};
+    orvel::OrvelSRControl::getInstance().initSuperResolutionConfig();
+    game.gl.glGetIntegerv = [](GLenum, GLint* value) { *value = 0; };
+    game.gl.glGetTexLevelParameteriv = [](GLenum, GLint, GLenum, GLint* value) { *value = 64; };
+    game.gl.glDrawArrays = [](GLenum, GLint, GLsizei) { ++sPasses; };
     connection.platform.eglQuerySurface = [](EGLDisplay, EGLSurface, EGLint, EGLint* value) {
         *value = 64;
         return EGLBoolean(EGL_TRUE);
@@ -104,7 +121,7 @@ TEST_F(SteadyState, RecognitionAndRewritingAllocateNothing) {
     mTargetTexWidthYuanshen80 = 800;
     mDeviceAdaptConfigMap = {{TEX_SIZE_POST_PROCESS_LOW, {{1296, 582}, {1152, 518}}}};
     mPostProcessLowParamsMap = {{1296, std::vector<float>(16, 1.0f)}, {1152, std::vector<float>(16, 2.0f)}};
-    mDFIInterval = 16;
+    game.gl.glLabelObjectEXT(GL_PROGRAM_OBJECT_EXT, 0, 0, "Hidden/PostProcessing/Copy");
     game.gl.glLabelObjectEXT(GL_TEXTURE, 1, 0, "Minimap_Chap02_ADV_City_BackGround");
     game.gl.glLabelObjectEXT(GL_TEXTURE, 2, 0, "AvatarIcon");
     const auto playFrame = [&] {
@@ -119,9 +136,13 @@ TEST_F(SteadyState, RecognitionAndRewritingAllocateNothing) {
         clock.advanceMillis(16);
         connection.platform.eglSwapBuffers(nullptr, nullptr);
     };
-    playFrame(); // the copy of the frame is made in here
+    for (int frame = 0; frame < 60; ++frame) { // the rate is measured, the files are read, all copies are made
+        playFrame();
+    }
     ASSERT_EQ(mPostprocessLowParam.size(), 16u);
     ASSERT_EQ(mLastHkrpgScene, 1);
+    ASSERT_EQ(mDFIInterval, 16);
+    ASSERT_GT(sPasses, 0);
     expectNoAllocations(playFrame);
     mSceneRecognizer = nullptr;
 }

@@ -3,6 +3,8 @@
 #include "EveryEntry.h"
 #include "RecordingDriver.h"
 #include "legacy/FrameCapture.h"
+#include "legacy/HkrpgScenes.h"
+#include "legacy/SceneRecognizer.h"
 #include "next/OrvelNext.h"
 #include "settings/orvel_modify_params.h"
 
@@ -42,8 +44,8 @@ void switchOn(bool on) {
     }
 }
 
-// Catches a swallowed call, swapped arguments, an extra driver call of a feature that has nothing to do, and a hook that
-// forwards to the hooked table (which would never return): before the hooks' gates and behind them.
+// Catches a swallowed call, swapped arguments, an extra driver call of a feature that has nothing to do, and a hook
+// that forwards to the hooked table (which would never return): before the hooks' gates and behind them.
 TEST_F(LegacyHooks, MakeExactlyOneCallWhereNothingIsToBeChanged) {
     int hooked = 0;
     for (const bool dynamicResolution : {false, true}) {
@@ -145,17 +147,23 @@ TEST_F(LegacyHooks, SwapKeepsTheFrameAroundTheRealSwap) {
         *value = 8;
         return EGLBoolean(EGL_TRUE);
     });
+    class Noting : public SceneRecognizer {
+        void recognizeHkrpgScene(int32_t) override { next::gl.glFinish(); } // to be seen among the driver's calls
+    };
+    mSceneRecognizer = new Noting;
+    mEnableHkrpgSceneRecognize = true;
+    mLastHkrpgScene = HKRPG_SCENE_CITY; // is over with this frame
     const auto steps = [&] {
         mDFITimestamp = 0;
         mDriver->forget();
         mPlatform.eglSwapBuffers(nullptr, nullptr);
         std::string found;
-        for (const std::string& made : mDriver->callsOf({"glBlitFramebuffer", "platform.eglSwapBuffers"})) {
-            found += made[0] == 'g' ? "blit " : "swap ";
+        for (const std::string& made : mDriver->callsOf({"glBlitFramebuffer", "glFinish", "platform.eglSwapBuffers"})) {
+            found += made[0] == 'p' ? "swap " : made[2] == 'B' ? "blit " : "scene ";
         }
         return found;
     };
-    EXPECT_EQ(steps(), "blit swap blit swap ");
+    EXPECT_EQ(steps(), "blit swap scene blit swap ");
     installOrvelSGAMEHooks(mDriver->connection());
     gSwapbuffers = next::platform.eglSwapBuffers;
     EXPECT_EQ(steps(), "blit swap blit swap ");

@@ -276,7 +276,8 @@ TEST_F(Effects, DrawNothingIntoAnIncompleteFramebuffer) {
     EXPECT_THAT(render(), IsEmpty());
 }
 
-// Catches objects that are lost, deleted in another order, or deleted on another context, where their names are others'.
+// Catches objects that are lost, deleted in another order, or deleted on another context, where their names are
+// others'.
 TEST_F(Effects, EndOnTheirOwnContextOnly) {
     makeGame(APP_TYPE_SGAME, "1;4;5;7;8");
     for (const bool current : {true, false}) {

@@ -60,6 +60,9 @@ TEST(BuiltInList, SizesBecomeTheTarget) {
          {Size{{800, 500}, {864, 540}, "800x500"},
           {{972, 400}, {972, 436}, "972x436"},
           {kSmall, {864, 540}, "864x540"},
+          {kSmall, {1280, 548}, "960x432"},
+          {kSmall, {1296, 555}, "1296x555", true},
+          {kSmall, {864, 369}, "864x369", true},
           {kSmall, {1620, 729}, "1620x729"},
           {kSmall, {1620, 694}, "960x432"},
           {{1344, 800}, {1344, 840}, "1344x840"},
@@ -87,6 +90,12 @@ TEST(BuiltInList, EndsWithALowSize) {
     EXPECT_EQ(rewritten(1620, 728, kStorage), "960x432");
     EXPECT_EQ(rewritten(810, 512, kStorage), "810x512");
     EXPECT_EQ(rewritten(1620, 728, kStorage), "1620x728");
+    for (const auto& [debug, kind] : {std::pair{true, kViewport}, {false, kStorage}}) { // these write no line
+        orveldebug = debug;
+        mIsYuanshenPostprocessLow = false;
+        EXPECT_EQ(rewritten(1620, 728, kind), "960x432");
+        EXPECT_EQ(rewritten(810, 512, kind), "810x512");
+    }
     EXPECT_THAT(log.lines(), ElementsAre(LogLine{ANDROID_LOG_ERROR,
                                                  "orveldebug:modifyRenderPrecisionYuanshen, rf: 1620*728 -> 960*432"},
                                          LogLine{ANDROID_LOG_DEBUG, "yunshen postprocess low"}));
@@ -99,8 +108,8 @@ TEST(DeviceTable, TheFirstListWithTheSizeDecides) {
     target(1000, 500); // 80 %: 800 x 400
     mDeviceAdaptConfigMap = {{TEX_SIZE_POST_PROCESS_LOW, {{810, 5}, {900, 9}, {800, 8}}},
                              {TEX_SIZE_POST_PROCESS_HIGH, {{1200, 1}, {900, 9}, {1620, 728}}},
-                             {TEX_SIZE_MAX_RESOLUTION, {{900, 7}, {1200, 2}, {800, 8}, {900, 9}}},
-                             {TEX_SIZE_MAX_RESOLUTION_80P, {{700, 7}, {900, 3}}}};
+                             {TEX_SIZE_MAX_RESOLUTION, {{900, 7}, {1000, 2}, {800, 8}, {900, 9}}},
+                             {TEX_SIZE_MAX_RESOLUTION_80P, {{700, 7}, {800, 3}}}};
     mPostProcessLowParamsMap = {{810, {1, 2}}, {800, {3}}};
     orveldebug = true;
     EXPECT_EQ(rewritten(900, 9, kStorage), "800x400");
@@ -110,11 +119,11 @@ TEST(DeviceTable, TheFirstListWithTheSizeDecides) {
     EXPECT_THAT(mPostprocessLowParam, ElementsAre(1, 2));
     EXPECT_TRUE(fixPostprocessLowIssue());
     EXPECT_EQ(rewritten(1200, 1, kStorage), "1000x500");
-    EXPECT_EQ(rewritten(1200, 2), "1200x2");
+    EXPECT_EQ(rewritten(1000, 2), "1000x2") << "as wide as the target";
     EXPECT_EQ(rewritten(900, 7, kStorage), "1000x500");
     EXPECT_EQ(rewritten(800, 8), "1000x500") << "not wider than 80 %";
     EXPECT_EQ(rewritten(700, 7, kStorage), "800x400");
-    EXPECT_EQ(rewritten(900, 3), "900x3");
+    EXPECT_EQ(rewritten(800, 3), "800x3");
     EXPECT_EQ(rewritten(1440, 648), "1440x648") << "the built-in list does not apply";
     const std::string start = "orveldebug:modifyRenderPrecisionYuanshen TEX_SIZE_";
     EXPECT_THAT(log.lines(),
@@ -152,6 +161,11 @@ TEST(ScreenSizeUniform, KeepsItsForm) {
     mEnableScaleResolutionSize = false;
     modifyRenderPrecisionYuanshenShaderUniform(1, params.data());
     EXPECT_EQ(params, whole);
+    mEnableScaleResolutionSize = true;
+    orveldebug = false;
+    modifyRenderPrecisionYuanshenShaderUniform(1, params.data());
+    EXPECT_NE(params, whole);
+    EXPECT_EQ(log.lines().size(), 2u) << "only those of above";
 }
 
 // Catches constants that are recognised loosely or in a vector of another length, and a wrong one of the sixteen.
@@ -253,6 +267,8 @@ TEST(BackbufferSize, ReplacesTheNativeSizeOnceOneWasAskedFor) {
     ASSERT_EQ(orvel::OrvelSRControl::getInstance().getTargetBackbufferSize(), (std::pair<int32_t, int32_t>{1620, 728}));
     log.clear();
     orveldebug = true;
+    EXPECT_EQ(rewritten(2400, 1080, kViewport), "1620x728");
+    EXPECT_EQ(rewritten(2400, 1081, kStorage), "2400x1081");
     EXPECT_EQ(rewritten(2400, 1080, kStorage), "1620x728");
     EXPECT_THAT(log.lines(), ElementsAre(LogLine{ANDROID_LOG_INFO, "BFSize: 2400x1080 -> 1620x728"}));
     EXPECT_EQ(rewritten(1080, 2400), "1080x2400");
@@ -260,6 +276,8 @@ TEST(BackbufferSize, ReplacesTheNativeSizeOnceOneWasAskedFor) {
     EXPECT_EQ(rewritten(2400, 1080), "1620x728");
     mIsYuanshenPostprocessLow = true;
     EXPECT_EQ(rewritten(2400, 1080), "1620x728") << "after the list, whatever it says";
+    mDeviceAdaptConfigMap = {{TEX_SIZE_POST_PROCESS_HIGH, {{2400, 1}}}};
+    EXPECT_EQ(rewritten(2400, 1080), "1620x728") << "nor does a table without it";
     mDeviceAdaptConfigMap = {{TEX_SIZE_POST_PROCESS_HIGH, {{2400, 1080}}}};
     EXPECT_EQ(rewritten(2400, 1080), "960x432") << "a list of the table has the last word";
     mDeviceAdaptConfigMap.clear();

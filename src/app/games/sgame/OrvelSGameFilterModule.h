@@ -21,8 +21,8 @@ namespace android::orvel::app::module {
 class OrvelSGameFilterModuleData;
 
 /**
- * Draws the filter once a frame where the processor finds the 3D scene finished, so that it colours the scene and not the
- * interface; at the frame's end if it never found that. Tells the processor when a result screen ends a battle.
+ * Draws the filter once a frame where the processor finds the 3D scene finished, so that it colours the scene and not
+ * the interface; at the frame's end if it never found that. Tells the processor when a result screen ends a battle.
  */
 class OrvelSGameFilterModule : public OrvelModuleBase {
 public:

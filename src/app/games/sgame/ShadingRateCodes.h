@@ -1,4 +1,5 @@
-// How the configuration names shading rates: two digits, width and height of the block of pixels that is shaded at once.
+// How the configuration names shading rates: two digits, width and height of the block of pixels that is shaded at
+// once.
 #pragma once
 
 #include "app/VRSComponent.h"

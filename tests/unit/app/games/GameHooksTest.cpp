@@ -43,14 +43,16 @@ void PrintTo(const Hooked& row, std::ostream* out) { *out << "type " << row.type
 
 class GameHooks : public testing::TestWithParam<Hooked> {};
 
-// Catches a game that gets another one's processor or modules, an entry that is not hooked, is hooked for nothing, leads to another one, or does not reach the driver once.
+// Catches a game that gets another one's processor or modules, an entry that is not hooked, is hooked for nothing,
+// leads to another one, or does not reach the driver once.
 TEST_P(GameHooks, AreThoseOfProcessorAndModules) {
     PlayedGame game(GetParam().type, GetParam().modules, kAll);
     auto& processor = game.processor<app::OrvelProcessorBase>();
     EXPECT_EQ(processor.GetProcessorId(), uint32_t(GetParam().type));
     for (const uint32_t id : {1u, 2u, 4u, kSharedShading}) {
         const auto* found = processor.GetGLModule(id);
-        EXPECT_EQ(found ? found->GetModuleId() : 0, GetParam().modules & id);
+        const uint32_t known = GetParam().type < APP_TYPE_7 ? ~0u : kSharedShading;
+        EXPECT_EQ(found ? found->GetModuleId() : 0, GetParam().modules & known & id);
     }
     app::RegisterProcessorModuleGlobalGLHooks(1u << 20, game.driver().connection()); // of no module
     Calls expected;
@@ -76,9 +78,32 @@ INSTANTIATE_TEST_SUITE_P(Games, GameHooks,
                                          Hooked{APP_TYPE_SGAME, 3, {kSGame, kSGameShading, kSGameFilter}},
                                          Hooked{APP_TYPE_SGAME, kSharedShading, {kSGame}},
                                          Hooked{APP_TYPE_PUBG, 1 | kSharedShading, {kPubg}},
+                                         Hooked{APP_TYPE_PUBG, 1 | 2 | kSharedShading, {kPubg, kPubgFilter}},
                                          Hooked{APP_TYPE_PUBG, 2, {kPubg, kPubgFilter}},
-                                         Hooked{APP_TYPE_7, kSharedShading, {}},
+                                         Hooked{APP_TYPE_7, 1 | 2 | kSharedShading, {}},
                                          Hooked{APP_TYPE_BILI, kSharedShading, {}}));
+
+// Catches a module that works although its parameters are missing, effects that are made for nobody, and effects that
+// go with the modules: they go with the processor.
+TEST(GameProcessor, LeavesOutModulesThatAreNotValid) {
+    const auto driver = RecordingDriver::installed();
+    auto& data = beFramework(APP_TYPE_SGAME, 1 | 2);
+    const auto play = [](bool hasFilter) {
+        auto* const processor = app::CreateGLProcessor();
+        processor->OnBegin();
+        EXPECT_EQ(processor->GetGLModule(1), nullptr);
+        EXPECT_EQ(processor->GetGLModule(2) != nullptr, hasFilter);
+        processor->OnEnd();
+        EXPECT_EQ(processor->GetGLModule(2), nullptr);
+        EXPECT_EQ(processor->GetEffectManager() != nullptr, hasFilter);
+        app::ReleaseGLProcessor(processor);
+    };
+    play(false);
+    Json::Value filter;
+    std::istringstream(kFilter) >> filter;
+    data.InitProcessorModuleData(2, filter);
+    play(true);
+}
 
 // Catches a processor that takes another game's configuration for its own.
 TEST(GameProcessor, StandsAForeignConfiguration) {

@@ -90,7 +90,8 @@ TEST(ShadingParameters, AreReadFromTheirTexts) {
     EXPECT_EQ(copy.mDrawRates.at(-3).at(0).rate, GLenum(GL_SHADING_RATE_4X2_PIXELS_EXT));
 }
 
-// Catches a class that nobody defined and that ends more, or less, than its level; and a bad pattern that ends anything.
+// Catches a class that nobody defined and that ends more, or less, than its level; and a bad pattern that ends
+// anything.
 TEST(ShadingParameters, SurviveUnknownClassesAndBadPatterns) {
     const LogCapture log;
     const OrvelSGameVRSModuleData data(shadingKeys({

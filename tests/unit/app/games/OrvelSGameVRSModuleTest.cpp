@@ -64,9 +64,9 @@ public:
 
     /**
      * Plays events, one character each.
-     * @return what reached the driver: d A M U the game's calls of the events of that name, 1 2 3 4 the rates 1x1 2x2 4x2
-     *         4x4 (of the older extension with a Q), ? a question for a location, # the image attached, ^N filled from
-     *         the Nth template, > and = its combiner (the coarser one, neither), X what should not be
+     * @return what reached the driver: d A M U the game's calls of the events of that name, 1 2 3 4 the rates 1x1 2x2
+     *         4x2 4x4 (of the older extension with a Q), ? a question for a location, # the image attached, ^N filled
+     *         from the Nth template, > and = its combiner (the coarser one, neither), X what should not be
      */
     std::string play(const std::string& events) {
         for (const char event : events) {
@@ -279,8 +279,8 @@ TEST(ShadingOfDraws, FollowsLevelAndBattle) {
     EXPECT_EQ(battle.play("w.fd"), "d");
 }
 
-// Catches another uniform taken for the camera, a location that is asked for at every upload, a second look in one frame,
-// and rates that stay when the camera stands.
+// Catches another uniform taken for the camera, a location that is asked for at every upload, a second look in one
+// frame, and rates that stay when the camera stands.
 TEST(ShadingOfDraws, WorksWhileTheCameraMoves) {
     Battle battle(true, shadingKeys({{"vrs_MotionDetection", "1"}}));
     EXPECT_EQ(battle.play(kToBattle + std::string(".fdfd")), "4dd") << "nothing was seen: it moves";
