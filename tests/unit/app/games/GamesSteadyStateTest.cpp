@@ -1,6 +1,7 @@
 #include "AllocationCounter.h"
 #include "SGameShadingKeys.h"
 #include "app/FrameworkProcess.h"
+#include "app/OrvelContextManager.h"
 #include "app/OrvelProcessorBase.h"
 #include "app/OrvelRenderContext.h"
 #include "next/EffectGame.h"
@@ -188,6 +189,20 @@ TEST_P(GameSteadyState, PassingByAllocatesAndLocksNothing) {
     std::mutex mutex;
     const std::lock_guard lock(mutex);
     EXPECT_EQ(locksSoFar(), before + 1);
+}
+
+// Catches a second lock for making a context current: for the pattern, or for the configuration.
+TEST(ContextSteadyState, MakingCurrentTakesOneLock) {
+    auto& data = beFramework(APP_TYPE_BILI, kSharedShading);
+    data.mainThreadName = "no.*thread";
+    auto& manager = OrvelContextManager::GetInstance();
+    manager.CreateAndAddRenderContext(&data);
+    for (int32_t& mode = data.mainContextMode; mode <= 2; ++mode) {
+        manager.MakeCurrentRenderContext(&data); // compiles the pattern
+        const size_t before = locksSoFar();
+        manager.MakeCurrentRenderContext(&data);
+        EXPECT_EQ(locksSoFar(), before + 1) << "mode " << mode;
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(Games, GameSteadyState, testing::Values(APP_TYPE_SGAME, APP_TYPE_PUBG));
