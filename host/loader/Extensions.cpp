@@ -1,9 +1,9 @@
 #include "Extensions.h"
 
+#include "HiddenExtensions.h"
 #include "MultisampledTextures.h"
 #include "ShadingRate.h"
 
-#include <cstdlib>
 #include <map>
 #include <mutex>
 #include <sstream>
@@ -23,11 +23,6 @@ std::vector<std::string> words(const std::string& text) {
         result.push_back(std::move(word));
     }
     return result;
-}
-
-const char* hiddenExtensions() {
-    const char* hidden = std::getenv("ORVEL_HIDE_EXTENSIONS");
-    return hidden ? hidden : "";
 }
 
 std::string offeredExtensions() {
@@ -86,8 +81,8 @@ void GL_APIENTRY getNumber(GLenum name, T* data) {
 } // namespace
 
 std::string editExtensions(const std::string& list) {
-    const std::vector<std::string> hiddenWords = words(hiddenExtensions());
-    std::unordered_set<std::string> done(hiddenWords.begin(), hiddenWords.end());
+    const std::vector<std::string> hidden = hiddenExtensions();
+    std::unordered_set<std::string> done(hidden.begin(), hidden.end());
     std::string edited;
     for (const std::string& extension : words(list + ' ' + offeredExtensions())) {
         if (done.insert(extension).second) { // neither hidden nor listed already
@@ -98,7 +93,7 @@ std::string editExtensions(const std::string& list) {
 }
 
 void editExtensionStrings(GlTable* gl) {
-    const bool isEdited = *hiddenExtensions() || !words(offeredExtensions()).empty();
+    const bool isEdited = !hiddenExtensions().empty() || !words(offeredExtensions()).empty();
     if (!isEdited || !gl->glGetString || !gl->glGetStringi || !gl->glGetIntegerv || !gl->glGetInteger64v) {
         return;
     }

@@ -1,5 +1,7 @@
 #include "MultisampledTextures.h"
 
+#include "HiddenExtensions.h"
+
 #include <cstdlib>
 
 namespace android::rig {
@@ -21,8 +23,9 @@ void GL_APIENTRY renderbufferStorageMultisample(GLenum target, GLsizei /*samples
 } // namespace
 
 const char* offeredMultisampledExtension() {
+    static constexpr char kExtension[] = "GL_EXT_multisampled_render_to_texture";
     const char* wanted = std::getenv("ORVEL_MULTISAMPLED");
-    return wanted && *wanted ? "GL_EXT_multisampled_render_to_texture" : "";
+    return wanted && *wanted && !isHiddenExtension(kExtension) ? kExtension : "";
 }
 
 void fillMultisampledEntries(GlTable* gl) {

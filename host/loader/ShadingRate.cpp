@@ -1,5 +1,6 @@
 #include "ShadingRate.h"
 
+#include "HiddenExtensions.h"
 #include "LogFile.h"
 #include "RateView.h"
 #include "Report.h"
@@ -67,9 +68,12 @@ const char* environment(const char* name) {
     return value ? value : "";
 }
 
-bool isOffered(const char* which) {
+constexpr char kExt[] = "GL_EXT_fragment_shading_rate";
+constexpr char kQcom[] = "GL_QCOM_shading_rate";
+
+bool isOffered(const char* extension) {
     const std::string offered = environment("ORVEL_SHADING_RATE");
-    return offered == which || offered == "both";
+    return (offered == (extension == kExt ? "ext" : "qcom") || offered == "both") && !isHiddenExtension(extension);
 }
 
 /** The state of one context; touched only by the thread on which it is current. */
@@ -324,17 +328,17 @@ bool hasAllEntries(const GlTable& gl, const egl_t& egl) {
 } // namespace
 
 const char* offeredShadingRateExtensions() {
-    if (isOffered("ext")) {
-        return isOffered("qcom") ? "GL_QCOM_shading_rate GL_EXT_fragment_shading_rate" : "GL_EXT_fragment_shading_rate";
+    if (isOffered(kExt)) {
+        return isOffered(kQcom) ? "GL_QCOM_shading_rate GL_EXT_fragment_shading_rate" : kExt;
     }
-    return isOffered("qcom") ? "GL_QCOM_shading_rate" : "";
+    return isOffered(kQcom) ? kQcom : "";
 }
 
 void fillShadingRateEntries(GlTable* gl) {
-    if (isOffered("qcom")) {
+    if (isOffered(kQcom)) {
         gl->glShadingRateQCOM = shadingRate;
     }
-    if (isOffered("ext")) {
+    if (isOffered(kExt)) {
         gl->glShadingRateEXT = shadingRate;
         gl->glShadingRateCombinerOpsEXT = shadingRateCombinerOps;
         gl->glFramebufferShadingRateEXT = framebufferShadingRate;

@@ -35,9 +35,11 @@ std::string summaryOf(const ReportLayout& report) {
         line = "library loaded, ";
         line += report.enabled ? "enabled" : "not enabled (" + reasonOf(report) + ")";
         line += ", ";
-        line += report.hookCount == 0
-                    ? std::string("nothing hooked")
-                    : std::string(kLayers[report.layer]) + " layer, " + number(report.hookCount, "hook") + " installed";
+        if (report.hookCount > 0) {
+            line += std::string(kLayers[report.layer]) + " layer, " + number(report.hookCount, "hook") + " installed";
+        } else { // an enabled legacy game is hooked in any case
+            line += report.enabled ? "nothing hooked (no module is configured that can be used)" : "nothing hooked";
+        }
     } else {
         line = std::string("library not loaded (") +
                (*report.libraryProblem ? report.libraryProblem : "the program ended during the start") + ")";

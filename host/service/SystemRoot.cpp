@@ -13,19 +13,24 @@ namespace orvel::host {
 
 namespace {
 
-/** Whether a file's first line is one that the package's game would take for its own. */
-bool namesPackage(const std::string& path, const std::string& package) {
+constexpr char kNobody[] = "nobody"; // no package's name has it
+
+/** @return the first word of a file; empty if there is none */
+std::string firstWord(const std::string& path) {
     std::string word;
     std::ifstream(path) >> word;
-    return !word.empty() && package.find(word) != std::string::npos;
+    return word;
 }
 
-/** Makes a watched file that is missing, and one whose line is an older game's begin anew. A file that stays as it is
- * is not opened for writing: whoever watches it would take that for a change. */
+/**
+ * Makes a watched file that is missing, and one whose line is an older game's begin anew. A file that stays as it is
+ * is not opened for writing: whoever watches it would take that for a change.
+ */
 bool begin(const std::string& root, const char* name, const std::string& content) {
     const std::string path = root + kWatchedFolder + name;
-    const bool stays = std::filesystem::exists(path) && (content.empty() || namesPackage(path, packageOf(root)));
-    if (stays || rewrite(path, content)) {
+    const std::string word = firstWord(path);
+    const bool isOwn = !word.empty() && (packageOf(root).find(word) != std::string::npos || word == kNobody);
+    if ((std::filesystem::exists(path) && (content.empty() || isOwn)) || rewrite(path, content)) {
         return true;
     }
     std::fprintf(stderr, "orvel: cannot write %s: %s\n", path.c_str(), std::strerror(errno));
@@ -44,10 +49,12 @@ bool prepareRoot(const std::string& root) {
         std::fprintf(stderr, "orvel: %s\n", error.what());
         return false;
     }
-    // Switches that a game watches only if it finds itself in them at its start: they begin with "off".
+    // Switches that a game watches only if it finds itself in them at its start: they begin with "off". The request for
+    // a resolution begins with one for somebody else: a game that finds none at all logs that at each look.
     const std::string package = packageOf(root);
     const std::string off = package.empty() ? "" : package + " 0\n";
-    return begin(root, "gameInfo", "") && begin(root, "dr", "") && begin(root, "sr", off) && begin(root, "dfi", off);
+    return begin(root, "gameInfo", "") && begin(root, "dr", kNobody + std::string(" 0 0\n")) &&
+           begin(root, "sr", off) && begin(root, "dfi", off);
 }
 
 std::string packageOf(const std::string& root) {

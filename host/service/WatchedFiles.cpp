@@ -156,9 +156,13 @@ int main(int argc, char** argv) {
     if (name == "dr") {
         return values.size() == 1 ? setResolution(root, package, values[0]) : usage("dr takes WIDTHxHEIGHT");
     }
-    if (name == "sr" || name == "dfi") {
-        return values.size() == 1 && isNumber(values[0]) ? setLine(root, name, package + " " + values[0])
-                                                         : usage(name + " takes a number");
+    if (name == "sr") {
+        const bool isSwitch = values.size() == 1 && (values[0] == "0" || values[0] == "1");
+        return isSwitch ? setLine(root, name, package + " " + values[0]) : usage("sr takes 0 or 1");
+    }
+    if (name == "dfi") {
+        const bool isInterval = values.size() == 1 && isNumber(values[0]) && values[0][0] != '-';
+        return isInterval ? setLine(root, name, package + " " + values[0]) : usage("dfi takes milliseconds");
     }
     const auto setting = kSettings.find(name);
     if (setting == kSettings.end()) {
@@ -170,7 +174,10 @@ int main(int argc, char** argv) {
     if (values.size() != setting->second.values) {
         return usage(name + " takes " + std::to_string(setting->second.values) + " value(s)");
     }
-    if (name == "window" && (values[0] == "small" || values[0] == "full")) {
+    if (name == "window") {
+        if (values[0] != "small" && values[0] != "full") {
+            return usage("window takes small or full");
+        }
         values[0] = values[0] == "small" ? "1" : "0";
     }
     for (const std::string& value : values) {

@@ -91,7 +91,7 @@ std::string extensionsByNumber() {
 // Catches an extension that is listed without its functions or the other way round, in one kind of list only, and one
 // that stays although it is hidden.
 TEST_F(ShadingRate, IsOfferedAsAsked) {
-    offer("qcom", "GL_KHR_debug GL_EXT_discard_framebuffer");
+    offer("both", "GL_KHR_debug GL_EXT_discard_framebuffer GL_EXT_fragment_shading_rate");
     const Context context;
     context.makeCurrent();
     EXPECT_THAT(extensions(), HasSubstr("GL_QCOM_shading_rate"));
