@@ -69,7 +69,7 @@ Floor* sFloor = nullptr;
 
 Floor* floorOn() {
     Floor* const floor = sFloor;
-    return mEnableDynamicResolution.load(std::memory_order_relaxed) && floor && floor->enable ? floor : nullptr;
+    return mEnableDynamicResolution && floor && floor->enable ? floor : nullptr;
 }
 
 void rewrite(Floor& floor, GLint& width, GLint& height) {

@@ -10,8 +10,6 @@ namespace next = android::orvel::next;
 
 namespace {
 
-bool on(const std::atomic<bool>& flag) { return flag.load(std::memory_order_relaxed); }
-
 // What an enabled feature would do is not measured here.
 [[gnu::cold, gnu::noinline]] void feature() { std::abort(); }
 
@@ -23,14 +21,14 @@ void GL_APIENTRY floorDrawArrays(GLenum mode, GLint first, GLsizei count) {
 }
 
 void GL_APIENTRY floorBindFramebuffer(GLenum target, GLuint framebuffer) {
-    if (on(mEnableDynamicResolution)) {
+    if (mEnableDynamicResolution) {
         feature();
     }
     next::gl.glBindFramebuffer(target, framebuffer);
 }
 
 void GL_APIENTRY floorBindTexture(GLenum target, GLuint texture) {
-    if (on(mEnableDynamicResolution)) {
+    if (mEnableDynamicResolution) {
         feature();
     }
     if (mEnableHkrpgSceneRecognize) {
@@ -43,7 +41,7 @@ void GL_APIENTRY floorBindTexture(GLenum target, GLuint texture) {
 }
 
 void GL_APIENTRY floorViewport(GLint x, GLint y, GLsizei width, GLsizei height) {
-    if (on(mEnableDynamicResolution)) {
+    if (mEnableDynamicResolution) {
         feature();
     }
     if (mEnableScaleResolutionSize) {
@@ -78,7 +76,7 @@ void GL_APIENTRY floorDrawElements(GLenum mode, GLsizei count, GLenum type, cons
 }
 
 void GL_APIENTRY floorUniform4fv(GLint location, GLsizei count, const GLfloat* value) {
-    if (on(mEnableDynamicResolution)) {
+    if (mEnableDynamicResolution) {
         feature();
     }
     if (mEnableScaleResolutionSize) {

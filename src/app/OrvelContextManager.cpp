@@ -15,12 +15,11 @@ namespace android::orvel {
 
 namespace {
 
-constexpr int32_t kEveryContext = 0;
-constexpr int32_t kByThreadName = 1;
-constexpr int32_t kByPipeline = 2;
 constexpr size_t kThreadNameBytes = 128; // more than any system gives a thread's name
 
-const app::OrvelProcessorDataBase& configuration() { return OrvelSettings::getInstance().getProcessorData(); }
+using Configuration = app::OrvelProcessorDataBase;
+
+const Configuration& configuration() { return OrvelSettings::getInstance().getProcessorData(); }
 
 struct CompiledPattern {
     const std::string text;
@@ -76,7 +75,7 @@ OrvelContextManager& OrvelContextManager::GetInstance() {
 }
 
 bool OrvelContextManager::CreateAndAddRenderContext(void* eglContext) {
-    if (!app::HasConfiguredModules() || configuration().mainContextMode != kEveryContext) {
+    if (!app::HasConfiguredModules() || configuration().mainContextMode != Configuration::MAIN_CONTEXT_EVERY) {
         return true; // the other modes make theirs when a context is made current
     }
     const Lock lock(*this);
@@ -108,10 +107,10 @@ void OrvelContextManager::MakeCurrentRenderContext(void* eglContext) {
             return;
         }
         switch (configuration().mainContextMode) {
-        case kByPipeline:
+        case Configuration::MAIN_CONTEXT_BY_PIPELINE:
             MakeCurrentRenderContextPipeline(eglContext);
             break;
-        case kByThreadName:
+        case Configuration::MAIN_CONTEXT_BY_THREAD_NAME:
             MakeCurrentRenderContextThreadName(eglContext);
             break;
         default:
@@ -129,6 +128,7 @@ void OrvelContextManager::MakeCurrentRenderContext(void* eglContext) {
 void OrvelContextManager::MakeCurrentRenderContextThreadName(void* eglContext) {
     if (!mMainRenderContext && !mMainRenderContextChosen &&
         CheckIfMainRenderThreadName(configuration().mainThreadName)) {
+        SetSlot(nullptr); // should the next throw: the context is made current all the same
         if (OrvelRenderContext* const created = CreateAndStore(eglContext)) {
             mMainRenderContext = created;
             mMainRenderContextChosen = true;
@@ -152,15 +152,16 @@ void OrvelContextManager::MakeCurrentRenderContextPipeline(void* eglContext) {
         SetSlot(nullptr);
         return;
     }
+    SetSlot(nullptr); // as above
     SetSlot(CreateAndStore(eglContext));
 }
 
 bool OrvelContextManager::CheckMainRenderContextByPipelineInfo() const {
-    return configuration().mainContextMode == kByPipeline && !mMainRenderContextChosen.load(std::memory_order_relaxed);
+    return configuration().mainContextMode == Configuration::MAIN_CONTEXT_BY_PIPELINE && !mMainRenderContextChosen;
 }
 
 void OrvelContextManager::UpdateMainRenderContextByPipelineInfo() {
-    if (mMainRenderContextChosen.load(std::memory_order_relaxed)) {
+    if (mMainRenderContextChosen) {
         return;
     }
     const Lock lock(*this);

@@ -1,7 +1,8 @@
 // Which render context belongs to which EGL context, and which one is current on each thread.
 #pragma once
 
-#include <atomic>
+#include "base/Relaxed.h"
+
 #include <memory>
 #include <mutex>
 #include <string>
@@ -61,7 +62,7 @@ private:
     std::mutex mMutex;
     std::unordered_map<void*, std::unique_ptr<OrvelRenderContext>> mRenderContexts;
     std::vector<std::unique_ptr<OrvelRenderContext>> mParked; // their EGL context is gone, a thread draws on with it
-    std::atomic<bool> mMainRenderContextChosen{false};        // never cleared; written under mMutex, read by every swap
+    Relaxed<bool> mMainRenderContextChosen{false};            // never cleared; written under mMutex, read by every swap
     OrvelRenderContext* mMainRenderContext = nullptr;         // only ever set together with mMainRenderContextChosen
 };
 

@@ -1,8 +1,7 @@
 #include "app/OrvelEffectModuleData.h"
 
-#include "app/ConfigText.h"
-#include "base/OrvelLog.h"
 #include "base/OrvelParse.h"
+#include "settings/ConfigText.h"
 
 #include <optional>
 
@@ -16,10 +15,6 @@ constexpr size_t kSwitches = 3;
 constexpr int32_t kMaxCheckPeriod = 15;
 constexpr int32_t kMaxType = 8;
 constexpr size_t kMinTypes = 5;
-
-void logMalformed(const char* key, const std::string& text) {
-    ORVEL_LOGE("configuration of \"%s\" is malformed: \"%s\"", key, oneLine(text).c_str());
-}
 
 } // namespace
 

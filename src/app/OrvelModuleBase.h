@@ -16,7 +16,7 @@ namespace android::orvel::app::module {
  * makes no GL call in its destructor (the objects go with the context), and never calls the context manager, whose
  * lock is held while modules are made and released.
  *
- * The order of the virtual operations is fixed.
+ * The order of the virtual operations is fixed: others count on the slots of the table.
  */
 class OrvelModuleBase {
 public:

@@ -21,7 +21,7 @@ class OrvelModuleBase;
  * has a chain (GlChain) and a public method GlXxxHooked for each GL entry that it handles, and never calls the context
  * manager from its constructor, OnBegin() or OnEnd(): the manager's lock is held.
  *
- * The order of the virtual operations is fixed.
+ * The order of the virtual operations is fixed: others count on the slots of the table.
  */
 class OrvelProcessorBase {
 public:

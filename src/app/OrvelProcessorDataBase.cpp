@@ -1,10 +1,10 @@
 #include "app/OrvelProcessorDataBase.h"
 
 #include "app/ConfigNumber.h"
-#include "app/ConfigText.h"
 #include "app/OrvelApplicationUtils.h"
 #include "app/OrvelProcessorModuleDataBase.h"
 #include "base/OrvelLog.h"
+#include "settings/ConfigText.h"
 #include "settings/GameInfoMonitor.h"
 #include "settings/OrvelSettings.h"
 
@@ -13,7 +13,6 @@
 #include <algorithm>
 #include <optional>
 #include <unordered_set>
-#include <utility>
 
 namespace android::orvel::app {
 
@@ -23,7 +22,6 @@ constexpr char kBaseInfoKey[] = "xrender_BaseInfo";
 constexpr char kCheckMainInfoKey[] = "xrender_CheckMainInfo";
 
 constexpr uint32_t kModuleBits = 30; // the mask's bits above these name no module
-constexpr int32_t kByThreadName = 1; // value of mainContextMode
 
 std::string listOf(const std::vector<uint32_t>& ids) {
     std::string list;
@@ -119,8 +117,8 @@ void OrvelProcessorDataBase::InitMainContext(const std::string& text) {
                                    [](const std::string& mode) { return std::stoi(mode, nullptr, 10); });
     if (fields.size() > 1) {
         mainThreadName = fields[1];
-    } else if (mainContextMode == kByThreadName) {
-        mainContextMode = 0; // by thread name, but by which?
+    } else if (mainContextMode == MAIN_CONTEXT_BY_THREAD_NAME) {
+        mainContextMode = MAIN_CONTEXT_EVERY; // by thread name, but by which?
     }
 }
 
@@ -139,6 +137,9 @@ bool OrvelProcessorDataBase::InitProcessorModuleData(uint32_t id, const Json::Va
         return true;
     }
     module::OrvelProcessorModuleDataBase* data = CreateProcessorModuleData(id, json);
+    if (!data) {
+        ORVEL_LOGW("\"%s\" names no module of this game: %u", kBaseInfoKey, id);
+    }
     if (!data || !data->valid) {
         ReleaseProcessorModuleData(data);
         return false;
@@ -153,7 +154,7 @@ void OrvelProcessorDataBase::EraseModuleId(uint32_t id) {
     EraseLocked(id);
 }
 
-bool OrvelProcessorDataBase::HasAnyModuleId() const { return mHasAnyModuleId.load(std::memory_order_relaxed); }
+bool OrvelProcessorDataBase::HasAnyModuleId() const { return mHasAnyModuleId; }
 
 bool OrvelProcessorDataBase::HasModuleId(uint32_t id) const {
     const std::lock_guard lock(mMutex);
@@ -215,14 +216,14 @@ void OrvelProcessorDataBase::RemoveExtensionFunction(const std::string& name) {
 void OrvelProcessorDataBase::AppendModuleId(uint32_t id) {
     const std::lock_guard lock(mMutex);
     moduleIds.push_back(id);
-    mHasAnyModuleId.store(true, std::memory_order_relaxed);
+    mHasAnyModuleId = true;
 }
 
 void OrvelProcessorDataBase::EraseLocked(uint32_t id) {
     if (std::erase(moduleIds, id) == 0) {
         return;
     }
-    mHasAnyModuleId.store(!moduleIds.empty(), std::memory_order_relaxed);
+    mHasAnyModuleId = !moduleIds.empty();
     if (const auto data = moduleData.find(id); data != moduleData.end()) {
         ReleaseProcessorModuleData(data->second);
         moduleData.erase(data);

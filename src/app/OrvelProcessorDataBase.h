@@ -1,9 +1,10 @@
 // The processor configuration: which modules a game's processor carries, and with what parameters.
 #pragma once
 
+#include "base/Relaxed.h"
+
 #include <json/forwards.h>
 
-#include <atomic>
 #include <cstdint>
 #include <functional>
 #include <mutex>
@@ -75,10 +76,16 @@ public:
     /** Drops every module that needs this function: the application has asked for it and now uses it itself. */
     void RemoveExtensionFunction(const std::string& name);
 
+    enum MainContextMode : int32_t {
+        MAIN_CONTEXT_EVERY = 0,
+        MAIN_CONTEXT_BY_THREAD_NAME = 1,
+        MAIN_CONTEXT_BY_PIPELINE = 2
+    };
+
     // Written once, at start-up.
-    int32_t mainContextMode = 0; // which contexts are served: 0 every one, 1 by thread name, 2 by pipeline
-    uint64_t baseInfo = 0;       // the mask that moduleIds come from, bits that name no module included
-    std::string mainThreadName;  // regular expression
+    int32_t mainContextMode = MAIN_CONTEXT_EVERY; // which contexts are served; any other number: none
+    uint64_t baseInfo = 0;      // the mask that moduleIds come from, bits that name no module included
+    std::string mainThreadName; // regular expression
 
 protected:
     static constexpr char kPayloadDataKey[] = "xrender_PayloadData";
@@ -93,9 +100,10 @@ private:
     void AppendModuleId(uint32_t id);
     void EraseLocked(uint32_t id);
 
-    mutable std::mutex mMutex; // others' code under it: GetModuleExtensionFunctions, visits, parameters' destructors
-    std::vector<std::string> mFunctionOrder;  // keys of extensionFunctions as they came; under mMutex
-    std::atomic<bool> mHasAnyModuleId{false}; // moduleIds is not empty; written under mMutex, read by make-current
+    // Also held while GetModuleExtensionFunctions(), visits and parameters' destructors run: they must not call back.
+    mutable std::mutex mMutex;
+    std::vector<std::string> mFunctionOrder; // keys of extensionFunctions as they came; under mMutex
+    Relaxed<bool> mHasAnyModuleId{false};    // moduleIds is not empty; written under mMutex, read by make-current
 };
 
 } // namespace android::orvel::app

@@ -4,6 +4,8 @@
 #include "app/OrvelProcessorBase.h"
 #include "base/OrvelLog.h"
 
+#include <utility>
+
 namespace android::orvel {
 
 constinit thread_local OrvelRenderContext* gContextTls = nullptr;

@@ -1,25 +1,13 @@
 // Variable-rate shading for the games' modules, over whichever of the two GL extensions the driver has.
 #pragma once
 
+#include "base/ShadingRateEnums.h"
+
 #include <EGL/egldefs.h>
 
 #include <cstdint>
 #include <functional>
 #include <string>
-
-// Names that older system headers lack.
-#ifndef GL_SHADING_RATE_1X1_PIXELS_EXT
-#define GL_SHADING_RATE_1X1_PIXELS_EXT 0x96A6
-#define GL_SHADING_RATE_1X2_PIXELS_EXT 0x96A7
-#define GL_SHADING_RATE_2X1_PIXELS_EXT 0x96A8
-#define GL_SHADING_RATE_2X2_PIXELS_EXT 0x96A9
-#define GL_SHADING_RATE_1X4_PIXELS_EXT 0x96AA
-#define GL_SHADING_RATE_4X1_PIXELS_EXT 0x96AB
-#define GL_SHADING_RATE_4X2_PIXELS_EXT 0x96AC
-#define GL_SHADING_RATE_2X4_PIXELS_EXT 0x96AD
-#define GL_SHADING_RATE_4X4_PIXELS_EXT 0x96AE
-#define GL_SHADING_RATE_ATTACHMENT_EXT 0x96D1
-#endif
 
 namespace android::orvel::app {
 

@@ -5,6 +5,8 @@
 
 namespace android::orvel {
 
+constexpr int64_t kNanosPerMilli = 1'000'000;
+
 /** @return nanoseconds of the monotonic clock */
 int64_t monotonicNanos();
 

@@ -7,7 +7,10 @@
 
 namespace android::orvel {
 
-/** Runs work; what it throws ends in the log. On the draw path only for draws of our own; hooks throw nothing. */
+/**
+ * Runs work; what it throws ends in the log (all that is ours is a std::exception). On the draw path use it only around
+ * drawing of our own: a hook itself must not throw.
+ */
 template <typename Work>
 void guarded(const char* what, Work&& work) {
     try {

@@ -9,8 +9,11 @@
 #define ORVEL_LOGI(...) ORVEL_LOG(ANDROID_LOG_INFO, __VA_ARGS__)
 #define ORVEL_LOGD(...) ORVEL_LOG(ANDROID_LOG_DEBUG, __VA_ARGS__) // always written, at debug priority
 // A line that is off costs one test of the flag; its arguments are not evaluated.
-#define ORVEL_LOGD_IF(flag, ...)                                                                                       \
+#define ORVEL_LOG_IF(flag, priority, ...)                                                                              \
     do {                                                                                                               \
         if (flag)                                                                                                      \
-            ORVEL_LOGD(__VA_ARGS__);                                                                                   \
+            ORVEL_LOG(priority, __VA_ARGS__);                                                                          \
     } while (false)
+#define ORVEL_LOGE_IF(flag, ...) ORVEL_LOG_IF(flag, ANDROID_LOG_ERROR, __VA_ARGS__)
+#define ORVEL_LOGI_IF(flag, ...) ORVEL_LOG_IF(flag, ANDROID_LOG_INFO, __VA_ARGS__)
+#define ORVEL_LOGD_IF(flag, ...) ORVEL_LOG_IF(flag, ANDROID_LOG_DEBUG, __VA_ARGS__)

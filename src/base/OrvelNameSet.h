@@ -9,7 +9,8 @@
 namespace android::orvel {
 
 /**
- * Tells by one bit that a name was never added; names share bits, so it may be wrong about one that seems to be there.
+ * A Bloom filter with one hash: tells by one bit that a name was never added; names share bits, so it may be wrong
+ * about one that seems to be there.
  */
 class OrvelNameFilter {
 public:

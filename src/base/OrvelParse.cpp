@@ -4,22 +4,13 @@
 #include <cctype>
 #include <cerrno>
 #include <charconv>
-#include <cstdlib>
-#include <limits>
+#include <system_error>
 
 namespace android::orvel {
 
-std::optional<int32_t> parseInt(const std::string& text) {
-    const char* begin = text.c_str();
-    char* end = nullptr;
-    errno = 0;
-    const long value = std::strtol(begin, &end, 10);
-    const bool inRange =
-        errno == 0 && value >= std::numeric_limits<int32_t>::min() && value <= std::numeric_limits<int32_t>::max();
-    if (end == begin || !inRange) {
-        return std::nullopt;
-    }
-    return static_cast<int32_t>(value);
+std::optional<int32_t> parseInt(std::string_view text) {
+    int32_t number = 0;
+    return takeInt(text, number) ? std::optional(number) : std::nullopt;
 }
 
 std::vector<std::string> splitText(const std::string& text, const std::string& delimiters) {

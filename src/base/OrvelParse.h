@@ -14,7 +14,7 @@ namespace android::orvel {
  * character that is no digit ("12x" is 12).
  * @return the number, or nothing when the text does not start with one or it does not fit 32 bits
  */
-std::optional<int32_t> parseInt(const std::string& text);
+std::optional<int32_t> parseInt(std::string_view text);
 
 /**
  * Splits text at every character that occurs in delimiters; empty pieces vanish.

@@ -20,11 +20,14 @@ namespace android::orvel {
  */
 class OrvelPattern {
 public:
-    /** A pattern that does not compile or has more than 1,024 characters is logged and matches nothing. */
+    /**
+     * A pattern that does not compile or has more than 1,024 characters is logged and matches nothing.
+     * @throw std::bad_alloc
+     */
     explicit OrvelPattern(const std::string& pattern);
 
     bool isValid() const { return mRegex.has_value(); }
-    /** @return whether the whole text matches; false when there is no memory to find out */
+    /** @return whether the whole text matches; false when there is no memory to find out. Any thread. */
     bool matches(std::string_view text) const;
 
 private:

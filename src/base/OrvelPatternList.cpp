@@ -3,6 +3,7 @@
 #include "base/OrvelParse.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace android::orvel {
 

@@ -1,5 +1,9 @@
-// Records that a game's threads share. Games load on threads of their own, which bind, label and delete what the
-// drawing thread uses, and nothing orders their calls and its own.
+// A reader-writer spin lock without fairness, for records that a game's threads share: writers (OrvelTurn) wait or try,
+// readers (OrvelLook) only try. It is not recursive, and to WAIT for a turn while holding a look on the same thread
+// spins for ever.
+//
+// Games load on threads of their own, which bind, label and delete what the drawing thread uses, and nothing orders
+// their calls and its own.
 #pragma once
 
 #include <atomic>

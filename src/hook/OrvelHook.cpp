@@ -74,7 +74,7 @@ __eglMustCastToProperFunctionPointerType EGLAPIENTRY EglGetProcAddressHooked(con
         guarded("eglGetProcAddress",
                 [procname] { OrvelSettings::getInstance().getProcessorData().RemoveExtensionFunction(procname); });
     }
-    return sSaved.eglGetProcAddress(procname);
+    return sSaved.eglGetProcAddress ? sSaved.eglGetProcAddress(procname) : nullptr;
 }
 
 } // namespace android::orvel::hook

@@ -1,7 +1,9 @@
 #include "legacy/FrameCapture.h"
 
 #include "base/OrvelClock.h"
+#include "base/OrvelGuard.h"
 #include "base/OrvelLog.h"
+#include "legacy/GlObjects.h"
 #include "legacy/OrvelDFI.h"
 #include "next/OrvelNext.h"
 #include "settings/OrvelPrefs.h"
@@ -9,9 +11,6 @@
 #include "settings/orvel_modify_params.h"
 
 #include <GLES2/gl2ext.h>
-
-#include <exception>
-#include <span>
 
 namespace android {
 
@@ -26,7 +25,6 @@ bool mDFICopySuccess = false;
 
 namespace {
 
-constexpr int64_t kNanosPerMilli = 1'000'000;
 constexpr int32_t kLeastFps = 36; // a slower game gets no repeated frames
 constexpr int32_t kNoInterval = -1;
 
@@ -37,11 +35,7 @@ GLuint boundTo(GLenum binding) {
     return static_cast<GLuint>(name);
 }
 
-struct TextureParameter {
-    GLenum name;
-    GLint value;
-};
-constexpr TextureParameter kCopyParameters[] = {
+constexpr orvel::TextureParameter kCopyParameters[] = {
     {GL_TEXTURE_BASE_LEVEL, 0},
     {GL_TEXTURE_MAX_LEVEL, 0},
     {GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE},
@@ -51,33 +45,12 @@ constexpr TextureParameter kCopyParameters[] = {
     {GL_TEXTURE_MAG_FILTER, GL_LINEAR},
     {GL_TEXTURE_SRGB_DECODE_EXT, GL_DECODE_EXT},
 };
-constexpr TextureParameter kScreenshotParameters[] = {
+constexpr orvel::TextureParameter kScreenshotParameters[] = {
     {GL_TEXTURE_MIN_FILTER, GL_LINEAR},
     {GL_TEXTURE_MAG_FILTER, GL_LINEAR},
     {GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE},
     {GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE},
 };
-
-/** A new RGBA texture of one level in the game's context; it stays bound. */
-GLuint createTexture(GLsizei width, GLsizei height, std::span<const TextureParameter> parameters) {
-    GLuint texture = 0;
-    next::gl.glGenTextures(1, &texture);
-    next::gl.glBindTexture(GL_TEXTURE_2D, texture);
-    next::gl.glTexStorage2D(GL_TEXTURE_2D, 1, GL_RGBA8, width, height);
-    for (const auto& [name, value] : parameters) {
-        next::gl.glTexParameteri(GL_TEXTURE_2D, name, value);
-    }
-    return texture;
-}
-
-/** A new framebuffer with that texture; it stays bound to be drawn into. */
-GLuint createDrawFramebuffer(GLuint texture) {
-    GLuint framebuffer = 0;
-    next::gl.glGenFramebuffers(1, &framebuffer);
-    next::gl.glBindFramebuffer(GL_DRAW_FRAMEBUFFER, framebuffer);
-    next::gl.glFramebufferTexture2D(GL_DRAW_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, texture, 0);
-    return framebuffer;
-}
 
 // ---- frame repetition ---------------------------------------------------------------------------------
 
@@ -104,7 +77,7 @@ void recreateCopy(int32_t width, int32_t height) {
     }
     mSurfaceWidth = width;
     mSurfaceHeight = height;
-    mDFITempTexture = createTexture(width, height, kCopyParameters);
+    mDFITempTexture = orvel::makeTexture(width, height, kCopyParameters);
     next::gl.glBindTexture(GL_TEXTURE_2D, gameTexture); // the next frame may go on with it
 }
 
@@ -112,7 +85,7 @@ void recreateFramebuffer() {
     if (mDFITempFramebuffer) {
         next::gl.glDeleteFramebuffers(1, &mDFITempFramebuffer);
     }
-    mDFITempFramebuffer = createDrawFramebuffer(mDFITempTexture);
+    mDFITempFramebuffer = orvel::makeDrawFramebuffer(mDFITempTexture);
 }
 
 void copyFrame() {
@@ -123,16 +96,12 @@ void copyFrame() {
 } // namespace
 
 void saveFrame(EGLDisplay display, EGLSurface surface) {
-    try {
-        updateInterval();
-    } catch (const std::exception& error) { // the last interval stays
-        ORVEL_LOGE("saveFrame: %s", error.what());
-    }
+    orvel::guarded("saveFrame", updateInterval); // else the last interval stays
     if (mDFIInterval < 1) {
         return;
     }
     const int64_t now = orvel::monotonicNanos();
-    if ((now - mDFITimestamp) / kNanosPerMilli < mDFIInterval) {
+    if ((now - mDFITimestamp) / orvel::kNanosPerMilli < mDFIInterval) {
         return;
     }
     mDFITimestamp = now;
@@ -185,8 +154,8 @@ int processGameCapture(int x, int y, int width, int height, unsigned format, uns
     const GLuint readFramebuffer = boundTo(GL_READ_FRAMEBUFFER_BINDING);
     const GLuint gameTexture = boundTo(GL_TEXTURE_BINDING_2D);
 
-    const GLuint texture = createTexture(width, height, kScreenshotParameters);
-    const GLuint framebuffer = createDrawFramebuffer(texture);
+    const GLuint texture = orvel::makeTexture(width, height, kScreenshotParameters);
+    const GLuint framebuffer = orvel::makeDrawFramebuffer(texture);
     // Deliberate: the raised size enters squared, so more is asked for than there is. Where the game's framebuffer
     // has nothing, the copy keeps what it held.
     const auto sourceWidth = static_cast<GLint>(int64_t{raisedWidth} * raisedWidth / width);

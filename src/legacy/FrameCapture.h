@@ -1,12 +1,13 @@
 // Repeats frames at an interval, and serves the game's screenshots at the size it asked for.
 #pragma once
 
-#include <EGL/egl.h>
+#include <EGL/egldefs.h>
 
 #include <cstdint>
 
 namespace android {
 
+// One of each for the process, in spite of the m: they are known by these names.
 extern int64_t mDFITimestamp;        // of the frame that was kept last, nanoseconds of the monotonic clock
 extern uint32_t mDFITempTexture;     // what a frame is kept in, 0 none yet; remade when the surface's size changes
 extern uint32_t mDFITempFramebuffer; // that texture, to be drawn into and read from

@@ -15,7 +15,7 @@ constinit orvel::Relaxed<int32_t> mLastHkrpgScene = HKRPG_SCENE_NONE;
 
 namespace {
 
-constinit orvel::OrvelTurns sTurns; // at the map
+constinit orvel::OrvelTurns sTurns; // guards mHkrpeMinmapTextureMap
 
 constexpr char kAvatarIconLabel[] = "AvatarIcon";
 constexpr struct {

@@ -9,6 +9,8 @@
 
 namespace android {
 
+// One of each for the process, in spite of the m: they are known by these names.
+
 // -1 until one was labelled: 0 would make every unbind count as the icon.
 extern orvel::Relaxed<uint32_t> mAvatarIconTexture;
 extern orvel::Relaxed<bool> mAvatarIconTextureExist; // bound in this frame

@@ -33,7 +33,8 @@ public:
 
     /**
      * Replaces a size that the game states for its window by the one last applied. An unknown size switches the feature
-     * off for the rest of the process.
+     * off for the rest of the process. For the platform's window code, where such sizes pass; nothing in the library
+     * calls it.
      */
     void checkModifyUserDimensions(unsigned& width, unsigned& height);
 

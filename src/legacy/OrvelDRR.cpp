@@ -231,7 +231,7 @@ void drrUpdateTexDetailMap(unsigned format, int w, int h) noexcept {
     }
     if (drr->checkIllegalSize(w, h)) {
         ORVEL_LOGD("OrvelDRR, illegalSize: %dx%d, disable drr", w, h);
-        mEnableDynamicResolution.store(false, std::memory_order_relaxed); // for good; nothing is undone
+        mEnableDynamicResolution = false; // for good; nothing is undone
         return;
     }
     try {

@@ -10,6 +10,8 @@
 #include "settings/OrvelTexSize.h"
 #include "settings/orvel_modify_params.h"
 
+#include <GLES3/gl32.h>
+
 #include <algorithm>
 #include <array>
 #include <cstdint>
@@ -62,6 +64,7 @@ public:
     void updateTexDetailMap(unsigned format, int width, int height);
     /** Records that a recorded texture is attached to the framebuffer bound last, and puts its replacement in. */
     void updateFramebufferDetailMap(unsigned attachment, unsigned& texture);
+    /** Spelt so; replaces the name of a recorded texture by that of its replacement. */
     void modifyBindedTexture(unsigned& texture) const noexcept {
         if (!mAnyReplaced) {
             return;
@@ -159,14 +162,14 @@ private:
     const int32_t mUpdateInterval; // milliseconds
     const std::string mPackageName;
     int64_t mLastUpdateTime = 0; // nanoseconds of the monotonic clock
-    OrvelTurns mSwapTurns;       // at the target, the time and the file
-    mutable OrvelTurns mTurns;   // at the maps
+    OrvelTurns mSwapTurns;       // guards the target, the time and the file
+    mutable OrvelTurns mTurns;   // guards the maps
     std::map<uint32_t, TextureDetail> mTexDetailMap;
     std::map<uint32_t, FramebufferDetail> mFramebufferDetailMap;
     std::map<uint32_t, uint32_t> mNewTexOriginMap; // replacement to the game's texture; kept for Hkrpg only
     Relaxed<bool> mAnyReplaced = false;            // for good, so that binds before the first switch look nothing up
-    static inline constinit thread_local uint32_t mCurrentTexture = 0;                // the game's own name
-    static inline constinit thread_local uint32_t mCurrentFramebufferTarget = 0x8D40; // GL_FRAMEBUFFER
+    static inline constinit thread_local uint32_t mCurrentTexture = 0; // the game's own name
+    static inline constinit thread_local uint32_t mCurrentFramebufferTarget = GL_FRAMEBUFFER;
     static inline constinit thread_local uint32_t mCurrentFramebuffer = 0;
     Relaxed<int32_t> mAppliedWidth = kNoSize; // what base sizes are rewritten to
     Relaxed<int32_t> mAppliedHeight = kNoSize;
@@ -193,7 +196,7 @@ private:
 } // namespace orvel
 
 /** Asked afresh by every hook: a game that shows an illegal size switches the feature off for good. */
-inline bool isOrvelDRREnable() { return mEnableDynamicResolution.load(std::memory_order_relaxed); }
+inline bool isOrvelDRREnable() { return mEnableDynamicResolution; }
 
 /** Says that memory ran out; the hook goes on with what the game passed. Call it from a catch. */
 void logDRRFailure(const char* function) noexcept;

@@ -7,9 +7,12 @@
 
 #include <cutils/properties.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <string>
+#include <vector>
 
 namespace android::orvel {
 
@@ -29,11 +32,10 @@ bool isFilteredLinearly(uint32_t format) {
 } // namespace
 
 void OrvelDRR::onEglSwapBuffersEnd() {
-    const OrvelTurn turn(mSwapTurns, OrvelTurn::ASK); // not the one at the maps: the log may call the game
+    const OrvelTurn turn(mSwapTurns, OrvelTurn::ASK); // not mTurns: the log may call the game
     if (!turn) {
         return;
     }
-    constexpr int64_t kNanosPerMilli = 1'000'000;
     const int64_t now = monotonicNanos();
     mForceRestore = mForceRestore || mRestoreTextureBound;
     mRestoreTextureBound = false;
@@ -126,11 +128,9 @@ void OrvelDRR::switchToTarget() {
     }
     std::vector<uint32_t> handled; // a texture may be attached to several framebuffers
     handled.reserve(mTexDetailMap.size());
-    if (mDebug) {
-        ORVEL_LOGD("OrvelDRR, dr: %dx%d", mTargetWidth, mTargetHeight);
-        ORVEL_LOGD("OrvelDRR mTargetWidth:%d, mTargetHeight:%d, mPreTargetWidth:%d, mPreTargetHeight:%d", mTargetWidth,
-                   mTargetHeight, mPreTargetWidth, mPreTargetHeight);
-    }
+    ORVEL_LOGD_IF(mDebug, "OrvelDRR, dr: %dx%d", mTargetWidth, mTargetHeight);
+    ORVEL_LOGD_IF(mDebug, "OrvelDRR mTargetWidth:%d, mTargetHeight:%d, mPreTargetWidth:%d, mPreTargetHeight:%d",
+                  mTargetWidth, mTargetHeight, mPreTargetWidth, mPreTargetHeight);
     next::gl.glClearColor(0, 0, 0, 0);
     next::gl.glClear(GL_COLOR_BUFFER_BIT);
     const GLuint gameFramebuffer = mCurrentFramebuffer;
@@ -216,9 +216,7 @@ void OrvelDRR::copyTex(unsigned tex, unsigned, unsigned attachment, unsigned mas
     next::gl.glGenFramebuffers(1, &drawFramebuffer);
     next::gl.glBindFramebuffer(GL_DRAW_FRAMEBUFFER, drawFramebuffer);
     next::gl.glDrawBuffers(1, &point);
-    if (!isColour) {
-        ORVEL_LOGD_IF(mDebug, "OrvelDRR, mask is ~ GL_COLOR_BUFFER_BIT");
-    }
+    ORVEL_LOGD_IF(mDebug && !isColour, "OrvelDRR, mask is ~ GL_COLOR_BUFFER_BIT");
     next::gl.glFramebufferTexture2D(GL_DRAW_FRAMEBUFFER, point, GL_TEXTURE_2D, detail.newTex, 0);
 
     next::gl.glBlitFramebuffer(0, 0, static_cast<GLint>(detail.oldWidth), static_cast<GLint>(detail.oldHeight), 0, 0,

@@ -2,6 +2,7 @@
 
 #include "base/FsrConstants.h"
 #include "base/OrvelLog.h"
+#include "legacy/GlObjects.h"
 #include "legacy/OrvelSRShaders.h"
 #include "next/OrvelNext.h"
 
@@ -11,34 +12,20 @@ namespace {
 
 constexpr GLuint kPosition = 0; // attribute
 
-/** A texture that a pass writes and the next one, or the game, samples; bound to the active unit afterwards. */
-GLuint makeTargetTexture(int width, int height) {
-    GLuint texture = 0;
-    next::gl.glGenTextures(1, &texture);
-    next::gl.glBindTexture(GL_TEXTURE_2D, texture);
-    next::gl.glTexStorage2D(GL_TEXTURE_2D, 1, GL_RGBA8, width, height);
-    next::gl.glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_BASE_LEVEL, 0);
-    next::gl.glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAX_LEVEL, 0);
-    next::gl.glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
-    next::gl.glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE);
-    next::gl.glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_R, GL_CLAMP_TO_EDGE);
-    for (const GLint filter : {GL_NEAREST, GL_LINEAR}) { // deliberately one after the other
-        next::gl.glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, filter);
-        next::gl.glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, filter);
-    }
-    next::gl.glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAX_ANISOTROPY_EXT, 1);
-    next::gl.glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_SRGB_DECODE_EXT, GL_DECODE_EXT);
-    return texture;
-}
-
-/** Stays bound as the draw framebuffer. */
-GLuint makeFramebuffer(GLuint texture) {
-    GLuint framebuffer = 0;
-    next::gl.glGenFramebuffers(1, &framebuffer);
-    next::gl.glBindFramebuffer(GL_DRAW_FRAMEBUFFER, framebuffer);
-    next::gl.glFramebufferTexture2D(GL_DRAW_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, texture, 0);
-    return framebuffer;
-}
+/** Of a texture that a pass writes and the next one, or the game, samples. */
+constexpr TextureParameter kTargetParameters[] = {
+    {GL_TEXTURE_BASE_LEVEL, 0},
+    {GL_TEXTURE_MAX_LEVEL, 0},
+    {GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE},
+    {GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE},
+    {GL_TEXTURE_WRAP_R, GL_CLAMP_TO_EDGE},
+    {GL_TEXTURE_MIN_FILTER, GL_NEAREST}, // deliberately one after the other
+    {GL_TEXTURE_MAG_FILTER, GL_NEAREST},
+    {GL_TEXTURE_MIN_FILTER, GL_LINEAR},
+    {GL_TEXTURE_MAG_FILTER, GL_LINEAR},
+    {GL_TEXTURE_MAX_ANISOTROPY_EXT, 1},
+    {GL_TEXTURE_SRGB_DECODE_EXT, GL_DECODE_EXT},
+};
 
 GLuint makeShader(GLenum type, const char* source) {
     const GLuint shader = next::gl.glCreateShader(type);
@@ -115,10 +102,10 @@ uint32_t OrvelSR::fsr(uint32_t texture, int inputWidth, int inputHeight, int out
 
 void OrvelSR::prepareEasu(int width, int height) {
     if (mEASUTexture == kNone) {
-        mEASUTexture = makeTargetTexture(width, height);
+        mEASUTexture = makeTexture(width, height, kTargetParameters);
     }
     if (mEASUFramebuffer == kNone) {
-        mEASUFramebuffer = makeFramebuffer(mEASUTexture);
+        mEASUFramebuffer = makeDrawFramebuffer(mEASUTexture);
     }
     if (mVertexShader == kNone) {
         mVertexShader = makeShader(GL_VERTEX_SHADER, mVertexShaderSource);
@@ -136,10 +123,10 @@ void OrvelSR::prepareEasu(int width, int height) {
 
 void OrvelSR::prepareRcas(int width, int height) {
     if (mRCASTexture == kNone) {
-        mRCASTexture = makeTargetTexture(width, height);
+        mRCASTexture = makeTexture(width, height, kTargetParameters);
     }
     if (mRCASFramebuffer == kNone) {
-        mRCASFramebuffer = makeFramebuffer(mRCASTexture);
+        mRCASFramebuffer = makeDrawFramebuffer(mRCASTexture);
     }
     if (mRCASFragmentShader == kNone) {
         mRCASFragmentShader = makeShader(GL_FRAGMENT_SHADER, mRCASShaderSource);

@@ -17,10 +17,6 @@ OrvelSRControl& OrvelSRControl::getInstance() {
     return instance;
 }
 
-bool OrvelSRControl::hasSizes() const {
-    return mBaseSRWidthSize >= 1 && mBaseSRHeightSize >= 1 && mTargetSRWidthSize >= 1 && mTargetSRHeightSize >= 1;
-}
-
 void OrvelSRControl::initSuperResolutionConfig() {
     com::velmor::ravelo::TEX_SIZE base{0, 0};
     com::velmor::ravelo::TEX_SIZE target{0, 0};
@@ -32,7 +28,8 @@ void OrvelSRControl::initSuperResolutionConfig() {
     mBaseSRHeightSize = base.height;
     mTargetSRWidthSize = target.width;
     mTargetSRHeightSize = target.height;
-    sConfigured.store(hasSizes(), std::memory_order_relaxed);
+    sConfigured =
+        mBaseSRWidthSize >= 1 && mBaseSRHeightSize >= 1 && mTargetSRWidthSize >= 1 && mTargetSRHeightSize >= 1;
     ORVEL_LOGD("SuperResolution SR initSR mBaseSRWidthSize: %d, mBaseSRHeightSize: %d, mTargetSRWidthSize: %d, "
                "mTargetSRHeightSize: %d",
                mBaseSRWidthSize, mBaseSRHeightSize, mTargetSRWidthSize, mTargetSRHeightSize);
@@ -41,7 +38,7 @@ void OrvelSRControl::initSuperResolutionConfig() {
 // ---- the switch ---------------------------------------------------------------------------------------
 
 void OrvelSRControl::doGameSuperResolution() {
-    if (hasSizes() && mPackageName.empty()) {
+    if (isConfigured() && mPackageName.empty()) {
         guarded("super resolution", [&] { readSwitchOnce(); });
     }
     if (mFile.wasWritten()) {
@@ -62,7 +59,7 @@ void OrvelSRControl::readSwitchOnce() {
 void OrvelSRControl::updateGameSRConfig() {
     constexpr int32_t kUnreadable = -1;
     mSwitchStatusSR = mFile.read(mPackageName).value_or(kUnreadable);
-    ORVEL_LOGI("SuperResolution SR mSwitchStatusSR:%d", mSwitchStatusSR.load());
+    ORVEL_LOGI("SuperResolution SR mSwitchStatusSR:%d", int32_t{mSwitchStatusSR});
     updateBackbufferSize();
 }
 
@@ -76,9 +73,9 @@ void OrvelSRControl::updateBackbufferSize() {
     ORVEL_LOGD("mBFSizeConfig SR %s", on ? "ON" : "OFF");
     const int32_t width = on ? sizes[6] : sizes[4];
     const int32_t height = on ? sizes[7] : sizes[5];
-    mTargetBackbufferSize.width.store(width, std::memory_order_relaxed);
-    mTargetBackbufferSize.height.store(height, std::memory_order_relaxed);
-    sBackbufferSizeAsked.store(width >= 1 && height >= 1, std::memory_order_relaxed);
+    mTargetBackbufferSize.width = width;
+    mTargetBackbufferSize.height = height;
+    sBackbufferSizeAsked = width >= 1 && height >= 1;
     if (OrvelBackbufferControl::getInstance().setANWBuffersGeometry(width, height)) {
         next::gl.glViewport(0, 0, width, height);
         next::gl.glScissor(0, 0, width, height);
@@ -88,7 +85,7 @@ void OrvelSRControl::updateBackbufferSize() {
 // ---- the substitution ---------------------------------------------------------------------------------
 
 void OrvelSRControl::recordFSRProgramByProgramLabel(unsigned type, unsigned name, const char* label) {
-    if (hasSizes() && type == GL_PROGRAM_OBJECT_EXT && std::strcmp(label, "Hidden/PostProcessing/Copy") == 0) {
+    if (isConfigured() && type == GL_PROGRAM_OBJECT_EXT && std::strcmp(label, "Hidden/PostProcessing/Copy") == 0) {
         if (const OrvelTurn turn(mTurns, OrvelTurn::WAIT); turn) {
             guarded("super resolution", [&] { mFSRPrograms.insert(name); });
         }
@@ -96,7 +93,7 @@ void OrvelSRControl::recordFSRProgramByProgramLabel(unsigned type, unsigned name
 }
 
 void OrvelSRControl::hookForPostprocess() {
-    if (!hasSizes() || mSwitchStatusSR.load(std::memory_order_relaxed) != 1) {
+    if (!isConfigured() || mSwitchStatusSR != 1) {
         return;
     }
     // A query that fails leaves these values; those that decide fit no final copy.

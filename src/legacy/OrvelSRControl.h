@@ -2,10 +2,10 @@
 #pragma once
 
 #include "base/OrvelTurn.h"
+#include "base/Relaxed.h"
 #include "legacy/OrvelSR.h"
 #include "legacy/SwitchFile.h"
 
-#include <atomic>
 #include <cstdint>
 #include <limits>
 #include <mutex>
@@ -16,9 +16,9 @@
 namespace android::orvel {
 
 /**
- * One instance for the process. What is marked so may be called on any thread, the rest on the game's rendering thread:
- * the one that swaps and draws the final copy. The watched file "sr" switches it: just before a labelled copy to the
- * window samples a picture of the reduced size, that picture is replaced by its upscaled one.
+ * One instance for the process. Functions documented "any thread" may be called on any, the others on the game's
+ * rendering thread: the one that swaps and draws the final copy. The watched file "sr" switches it: just before a
+ * labelled copy to the window samples a picture of the reduced size, that picture is replaced by its upscaled one.
  */
 class OrvelSRControl {
 public:
@@ -28,9 +28,9 @@ public:
     OrvelSRControl& operator=(const OrvelSRControl&) = delete;
 
     /** Whether a configuration asks for the feature at all; read before each indexed draw, on any thread. */
-    static bool isConfigured() { return sConfigured.load(std::memory_order_relaxed); }
+    static bool isConfigured() { return sConfigured; }
     /** Whether a size was asked of the window's buffers; read before each call that carries a size, on any thread. */
-    static bool isBackbufferSizeAsked() { return sBackbufferSizeAsked.load(std::memory_order_relaxed); }
+    static bool isBackbufferSizeAsked() { return sBackbufferSizeAsked; }
 
     /** Takes the sizes from the preferences; called once at start-up. */
     void initSuperResolutionConfig();
@@ -53,32 +53,30 @@ public:
     void recordFSRProgramByProgramLabel(unsigned type, unsigned name, const char* label);
     /** @return width and height asked of the window's buffers; 0, 0 until there was a request. Any thread. */
     std::pair<int32_t, int32_t> getTargetBackbufferSize() const {
-        return {mTargetBackbufferSize.width.load(std::memory_order_relaxed),
-                mTargetBackbufferSize.height.load(std::memory_order_relaxed)};
+        return {mTargetBackbufferSize.width, mTargetBackbufferSize.height};
     }
 
 private:
     OrvelSRControl() = default;
-    bool hasSizes() const;
     void readSwitchOnce();
 
-    static inline std::atomic<bool> sConfigured{false};
-    static inline std::atomic<bool> sBackbufferSizeAsked{false};
+    static inline Relaxed<bool> sConfigured = false; // all four sizes below are at least 1
+    static inline Relaxed<bool> sBackbufferSizeAsked = false;
 
     int32_t mBaseSRWidthSize = 0; // of the picture that the game's final pass samples
     int32_t mBaseSRHeightSize = 0;
     int32_t mTargetSRWidthSize = 0; // of the upscaled one
     int32_t mTargetSRHeightSize = 0;
-    OrvelTurns mTurns;                         // at the programs; threads that load label them, too
+    OrvelTurns mTurns;                         // guards the programs; threads that load label them, too
     std::unordered_set<uint32_t> mFSRPrograms; // only grows: a game makes its copy programs once
     OrvelSR mSR;
-    std::atomic<int32_t> mSwitchStatusSR{std::numeric_limits<int32_t>::max()}; // 1 on, anything else off
+    Relaxed<int32_t> mSwitchStatusSR = std::numeric_limits<int32_t>::max(); // 1 on, anything else off
     std::string mPackageName;
     bool mSupportSR = false; // the switch could be read at start
     SwitchFile mFile{"/data/system/mcd/sr", "SuperResolution SR"};
     struct {
-        std::atomic<int32_t> width{0};
-        std::atomic<int32_t> height{0};
+        Relaxed<int32_t> width = 0;
+        Relaxed<int32_t> height = 0;
     } mTargetBackbufferSize;
     std::mutex mMutex; // never locked: mTurns does what is needed
 };

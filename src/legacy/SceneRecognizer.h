@@ -13,7 +13,10 @@
 
 namespace android {
 
-/** How often the scene that was chosen last is still to be sent; the reporting thread's alone. */
+/**
+ * How often the scene that was chosen last is still to be sent; the reporting thread's alone. One for the process, in
+ * spite of the m: it is known by this name.
+ */
 extern int32_t mRemainSendTimes;
 
 /**
@@ -139,7 +142,8 @@ inline void SceneRecognizer::checkTransferPatternHP(const int& count) {
 }
 
 // What the hooks call. Each does nothing unless its switch is on and the recogniser exists; the test stands here so
-// that a process without recognition pays one load for it. A count of 0 marks a clear or an invalidation.
+// that a process without recognition pays one load for it. A count of 0 marks a clear or an invalidation. A hook that
+// calls several gives them the recogniser, which is then looked up once.
 
 void queryTexSizeArr();
 
@@ -150,33 +154,33 @@ inline void updateTexSizeArr() {
     }
 }
 
-inline void checkBossPattern() {
-    if (mEnableYSSceneRecognize && mSceneRecognizer) {
-        mSceneRecognizer->checkBossPattern();
+inline void checkBossPattern(SceneRecognizer* recognizer = mSceneRecognizer.get()) {
+    if (mEnableYSSceneRecognize && recognizer) {
+        recognizer->checkBossPattern();
     }
 }
 
-inline void updateEleCountArr(const int& count) {
-    if (mEnableYSSceneRecognize && mSceneRecognizer) {
-        mSceneRecognizer->updateEleCountArr(count);
+inline void updateEleCountArr(const int& count, SceneRecognizer* recognizer = mSceneRecognizer.get()) {
+    if (mEnableYSSceneRecognize && recognizer) {
+        recognizer->updateEleCountArr(count);
     }
 }
 
-inline void checkTransferPattern(const int& count) {
-    if (mEnableYSTransferRecognize && mSceneRecognizer) {
-        mSceneRecognizer->checkTransferPattern(count);
+inline void checkTransferPattern(const int& count, SceneRecognizer* recognizer = mSceneRecognizer.get()) {
+    if (mEnableYSTransferRecognize && recognizer) {
+        recognizer->checkTransferPattern(count);
     }
 }
 
-inline void checkLaunchPattern(const int& count) {
-    if (mEnableYSLaunchRecognize && mSceneRecognizer) {
-        mSceneRecognizer->checkLaunchPattern(count);
+inline void checkLaunchPattern(const int& count, SceneRecognizer* recognizer = mSceneRecognizer.get()) {
+    if (mEnableYSLaunchRecognize && recognizer) {
+        recognizer->checkLaunchPattern(count);
     }
 }
 
-inline void checkTransferPatternHP(const int& count) {
-    if (mEnableHPTransferRecognize && mSceneRecognizer) {
-        mSceneRecognizer->checkTransferPatternHP(count);
+inline void checkTransferPatternHP(const int& count, SceneRecognizer* recognizer = mSceneRecognizer.get()) {
+    if (mEnableHPTransferRecognize && recognizer) {
+        recognizer->checkTransferPatternHP(count);
     }
 }
 

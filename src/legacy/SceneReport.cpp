@@ -3,6 +3,7 @@
 
 #include "base/OrvelClock.h"
 #include "base/OrvelLog.h"
+#include "settings/RaveloService.h"
 
 #include <binder/IServiceManager.h>
 #include <binder/Parcel.h>
@@ -22,10 +23,6 @@ constexpr char kThreadName[] = "RecognizeBossThread";
 constexpr int32_t kThreadPriority = -8; // a process without the right to that keeps the default
 constexpr int64_t kPeriodMicros = 2'000'000;
 constexpr int32_t kSendTimes = 2; // of each newly chosen scene, in consecutive periods
-
-constexpr char kServiceName[] = "velmor.ravelo";
-constexpr char kServiceInterface[] = "com.velmor.ravelo.IRaveloInterface";
-constexpr uint32_t kTransactionScene = 3;
 
 bool isCounted(int32_t counter) { return counter >= 1; }
 
@@ -90,17 +87,17 @@ bool SceneRecognizer::threadLoop() {
 int32_t SceneRecognizer::sendSceneIdToRavelo(int32_t sceneId) {
     ORVEL_LOGD("sendSceneIdToRavelo, sceneId: %d", sceneId);
     try {
-        const sp<IBinder> binder = defaultServiceManager()->checkService(String16(kServiceName));
+        const sp<IBinder> binder = defaultServiceManager()->checkService(String16(orvel::kRaveloName));
         if (!binder) {
             ORVEL_LOGW("remote service not exist.");
             return SEND_NO_SERVICE;
         }
         Parcel request;
         Parcel reply; // nothing is read from it
-        request.writeInterfaceToken(String16(kServiceInterface));
+        request.writeInterfaceToken(String16(orvel::kRaveloInterface));
         request.writeInt32(1);
         request.writeString16(String16(("{\"sceneId\":" + std::to_string(sceneId) + "}").c_str()));
-        if (binder->transact(kTransactionScene, request, &reply, 0) == NO_ERROR) {
+        if (binder->transact(orvel::kRaveloReportScene, request, &reply, 0) == NO_ERROR) {
             return SEND_DONE;
         }
     } catch (const std::exception&) { // out of memory: lost as a failed call is, the next one comes

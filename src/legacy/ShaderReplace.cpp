@@ -1,12 +1,12 @@
 #include "legacy/ShaderReplace.h"
 
+#include "base/OrvelGuard.h"
 #include "base/OrvelLog.h"
 #include "settings/orvel_modify_params.h"
 
 #include <atomic>
 #include <cerrno>
 #include <cstring>
-#include <exception>
 #include <string>
 #include <string_view>
 #include <sys/uio.h>
@@ -128,11 +128,8 @@ void updateShaderCode(unsigned, int, const char* const* strings) {
     if (mShaderReplaceValue != kReplacePrecision) {
         return;
     }
-    try {
-        replaceShader(const_cast<char*>(strings[0]), "mediump", "lowp");
-    } catch (const std::exception& error) { // out of memory: the shader stays as the game wrote it
-        ORVEL_LOGE("SHADER_REPLACE shader text left as it is: %s", error.what());
-    }
+    // Without memory the shader stays as the game wrote it.
+    orvel::guarded("SHADER_REPLACE", [strings] { replaceShader(const_cast<char*>(strings[0]), "mediump", "lowp"); });
     ORVEL_LOGD("SHADER_REPLACE updateShaderCode: replaceShader success!");
 }
 

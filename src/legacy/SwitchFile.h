@@ -1,7 +1,8 @@
 // A small file by which the system switches a feature while a game runs: lines of a package's name and a number.
 #pragma once
 
-#include <cstddef>
+#include "base/OrvelFileEvents.h"
+
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -36,14 +37,12 @@ public:
     bool wasWritten();
 
 private:
-    static constexpr size_t kEventBytes = 2720; // ten events with the longest of names
-
     const std::string mPath;
     const char* const mName;
     int mINotifyFd = -1;
     int mWatchFd = -1;
     ssize_t mEventBytes = -1;
-    char mEventBuffer[kEventBytes];
+    char mEventBuffer[kFileEventBytes];
     bool mINotifyActive = false;
 };
 

@@ -1,5 +1,7 @@
 #include "loader/OrvelLegacyHooks.h"
 
+#include "base/LabelText.h"
+#include "base/OrvelExport.h"
 #include "legacy/FrameCapture.h"
 #include "legacy/HkrpgScenes.h"
 #include "legacy/OrvelBackbufferControl.h"
@@ -16,6 +18,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
+#include <string_view>
 
 namespace android {
 
@@ -126,11 +129,12 @@ ORVEL_HOOK void GL_APIENTRY hookGlDrawArrays(GLenum mode, GLint first, GLsizei c
 
 ORVEL_HOOK void GL_APIENTRY hookGlDrawElements(GLenum mode, GLsizei count, GLenum type, const void* indices) {
     modifyShadingRate();
-    checkBossPattern(); // before this draw's count joins the history
-    updateEleCountArr(count);
-    checkTransferPattern(count);
-    checkLaunchPattern(count);
-    checkTransferPatternHP(count);
+    SceneRecognizer* const recognizer = mSceneRecognizer.get();
+    checkBossPattern(recognizer); // before this draw's count joins the history
+    updateEleCountArr(count, recognizer);
+    checkTransferPattern(count, recognizer);
+    checkLaunchPattern(count, recognizer);
+    checkTransferPatternHP(count, recognizer);
     if (orvel::OrvelSRControl::isConfigured()) {
         orvel::OrvelSRControl::getInstance().hookForPostprocess();
     }
@@ -139,9 +143,10 @@ ORVEL_HOOK void GL_APIENTRY hookGlDrawElements(GLenum mode, GLsizei count, GLenu
 
 ORVEL_HOOK void GL_APIENTRY hookGlDrawElementsBaseVertex(GLenum mode, GLsizei count, GLenum type, const void* indices,
                                                          GLint basevertex) {
-    checkTransferPattern(count);
-    checkLaunchPattern(count);
-    checkTransferPatternHP(count);
+    SceneRecognizer* const recognizer = mSceneRecognizer.get();
+    checkTransferPattern(count, recognizer);
+    checkLaunchPattern(count, recognizer);
+    checkTransferPatternHP(count, recognizer);
     next::gl.glDrawElementsBaseVertex(mode, count, type, indices, basevertex);
 }
 
@@ -214,9 +219,8 @@ class TerminatedLabel {
 public:
     TerminatedLabel(GLsizei length, const GLchar* label) : mText(label) {
         if (label && length > 0) {
-            const size_t copied = strnlen(label, std::min<size_t>(static_cast<size_t>(length), sizeof mCopy - 1));
-            std::memcpy(mCopy, label, copied);
-            mCopy[copied] = '\0';
+            const std::string_view text = orvel::labelText(std::min<GLsizei>(length, sizeof mCopy - 1), label);
+            mCopy[text.copy(mCopy, text.size())] = '\0';
             mText = mCopy;
         }
     }
@@ -365,7 +369,7 @@ gl_hooks_t* getOrvelHooks() {
     return &gOrvelHooks;
 }
 
-__attribute__((visibility("default"))) void onEglSwapBuffersEnd() {
+ORVEL_EXPORT void onEglSwapBuffersEnd() {
     drrOnEglSwapBuffersEnd();
     recognizeHkrpgScene();
 }

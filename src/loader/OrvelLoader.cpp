@@ -3,6 +3,8 @@
 #include "app/ConfiguredModules.h"
 #include "app/OrvelApplicationUtils.h"
 #include "app/OrvelProcessorDataBase.h"
+#include "base/OrvelExport.h"
+#include "base/OrvelGuard.h"
 #include "base/OrvelLog.h"
 #include "hook/OrvelHook.h"
 #include "loader/OrvelLegacyHooks.h"
@@ -12,14 +14,12 @@
 #include "settings/OrvelSettings.h"
 #include "settings/orvel_modify_params.h"
 
-#include <exception>
-
 namespace android {
 
 namespace {
 
 OrvelStubImpl& impl = *new OrvelStubImpl; // never destroyed: render threads swap while the process ends
-bool mInitialized = false;                // initOrvel has run, whatever it came to
+bool mInitialized = false;                // initOrvel has run, whatever it came to; for the process, in spite of the m
 
 gl_hooks_t* gles2Table(egl_connection_t* cnx) { return cnx ? cnx->hooks[egl_connection_t::GLESv2_INDEX] : nullptr; }
 
@@ -87,16 +87,14 @@ void OrvelStubImpl::initOrvel(egl_connection_t* cnx, bool) {
     if (!orvel::isOrvelEnabled()) {
         return;
     }
-    try {
+    orvel::guarded("installation", [cnx] { // a failing start must not take the game with it
         orvel::next::InitNextFunctions(cnx, resolveExtensionFunctions); // before anything in cnx is overwritten
         if (orvel::app::UsingRenderController(0)) {
             installFramework(cnx);
         } else {
             installVoHooks(cnx);
         }
-    } catch (const std::exception& error) { // a failing start must not take the game with it
-        ORVEL_LOGE("installation failed: %s", error.what());
-    }
+    });
 }
 
 bool orvel::isOrvelEnabled() {
@@ -110,14 +108,10 @@ gl_hooks_t* orvel::getGLHooks() { return getOrvelHooks(); }
 
 } // namespace android
 
-extern "C" __attribute__((visibility("default"))) void* createInstance() {
+extern "C" ORVEL_EXPORT void* createInstance() {
     android::orvel::createThreadSpecificKey();
-    try {
-        android::initGameSetting();
-    } catch (const std::exception& error) { // as above
-        ORVEL_LOGE("start-up failed: %s", error.what());
-    }
+    android::orvel::guarded("start-up", android::initGameSetting); // as above
     return static_cast<android::OrvelStub*>(&android::impl);
 }
 
-extern "C" __attribute__((visibility("default"))) void destroyInstance() {}
+extern "C" ORVEL_EXPORT void destroyInstance() {}

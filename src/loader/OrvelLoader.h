@@ -6,7 +6,8 @@
 extern "C" {
 
 /**
- * Prepares the process: key, identification, the tuning service's answer, per-game settings. Every call repeats that.
+ * Prepares the process: key, identification, the tuning service's answer, per-game settings. Every call repeats that,
+ * so do not call it while the game draws: hooks read these without a lock.
  * @return the library's only OrvelStub
  */
 void* createInstance();

@@ -1,6 +1,6 @@
 #include "loader/OrvelThreadKey.h"
 
-#define ORVEL_EXPORT __attribute__((visibility("default")))
+#include "base/OrvelExport.h"
 
 namespace android::orvel {
 

@@ -1,6 +1,7 @@
 #include "next/OrvelNext.h"
 
 #include <mutex>
+#include <type_traits>
 #include <unordered_map>
 
 namespace android::orvel::next {
@@ -14,18 +15,18 @@ namespace {
 
 using ProcAddress = __eglMustCastToProperFunctionPointerType;
 
+template <auto Slot>
+void store(ProcAddress address) {
+    ext.*Slot = reinterpret_cast<std::remove_reference_t<decltype(ext.*Slot)>>(address);
+}
+
 // Name of an extension function to what puts its address, null included, into its slot.
 const auto& kExtSlots = *new std::unordered_map<std::string, void (*)(ProcAddress)>{
-#define ORVEL_EXT_SLOT(name)                                                                                           \
-    {                                                                                                                  \
-#name, [](ProcAddress address) { ext.name = reinterpret_cast<decltype(ext.name)>(address); }                   \
-    }
-    ORVEL_EXT_SLOT(glShadingRateQCOM),
-    ORVEL_EXT_SLOT(glShadingRateEXT),
-    ORVEL_EXT_SLOT(glShadingRateCombinerOpsEXT),
-    ORVEL_EXT_SLOT(glFramebufferShadingRateEXT),
-    ORVEL_EXT_SLOT(glGetFragmentShadingRatesEXT),
-#undef ORVEL_EXT_SLOT
+    {"glShadingRateQCOM", store<&ExtTable::glShadingRateQCOM>},
+    {"glShadingRateEXT", store<&ExtTable::glShadingRateEXT>},
+    {"glShadingRateCombinerOpsEXT", store<&ExtTable::glShadingRateCombinerOpsEXT>},
+    {"glFramebufferShadingRateEXT", store<&ExtTable::glFramebufferShadingRateEXT>},
+    {"glGetFragmentShadingRatesEXT", store<&ExtTable::glGetFragmentShadingRatesEXT>},
 };
 
 template <typename R, typename... Args>
@@ -73,9 +74,11 @@ void InitNextFunctions(egl_connection_t* cnx,
 bool HasExtensions(const char* name) {
     static std::mutex mutex;
     static auto& extensions = *new std::string; // never destroyed: a frame may end while the process ends
-    const std::lock_guard lock(mutex);
+    std::unique_lock lock(mutex);
     if (extensions.empty()) {
+        lock.unlock(); // a driver may call the game from within our question
         const GLubyte* answer = platform.glGetString ? platform.glGetString(GL_EXTENSIONS) : nullptr;
+        lock.lock();
         extensions = answer ? reinterpret_cast<const char*>(answer) : " ";
     }
     return extensions.find(name) != std::string::npos;

@@ -35,6 +35,7 @@ using MissingTest = std::function<bool(const std::string& name)>;
 
 /**
  * Copies the connection's tables. Call it once, on the thread that initialises EGL, before any hook is installed.
+ * @param cnx not null, with a GLES 2 table
  * @param checkExtensionFunctions when set, called with a test for the extension functions that modules need; the
  *        test resolves a function of ExtTable through eglGetProcAddress and calls every other name missing
  */
@@ -43,7 +44,8 @@ void InitNextFunctions(egl_connection_t* cnx,
 
 /**
  * Tells whether the driver's extension string, asked for once, contains name (anywhere: a longer name that contains
- * it counts, deliberately). Needs a current context on first use. An empty name is always there.
+ * it counts, deliberately). Needs a current context on first use, whose answer holds for all others. An empty name is
+ * always there. Any thread; takes a lock.
  */
 bool HasExtensions(const char* name);
 

@@ -18,9 +18,9 @@ constexpr Parameter kTight[] = {
 
 OrvelPixelStoreScope::OrvelPixelStoreScope(Source source) {
     for (int i = 0; i < kParameters; ++i) {
-        mGames[i] = kTight[i].tight; // should the query fail
-        gl.glGetIntegerv(kTight[i].name, &mGames[i]);
-        if (mGames[i] != kTight[i].tight) {
+        mGameValues[i] = kTight[i].tight; // should the query fail
+        gl.glGetIntegerv(kTight[i].name, &mGameValues[i]);
+        if (mGameValues[i] != kTight[i].tight) {
             gl.glPixelStorei(kTight[i].name, kTight[i].tight);
         }
     }
@@ -37,8 +37,8 @@ OrvelPixelStoreScope::~OrvelPixelStoreScope() {
         gl.glBindBuffer(GL_PIXEL_UNPACK_BUFFER, static_cast<GLuint>(mBuffer));
     }
     for (int i = 0; i < kParameters; ++i) {
-        if (mGames[i] != kTight[i].tight) {
-            gl.glPixelStorei(kTight[i].name, mGames[i]);
+        if (mGameValues[i] != kTight[i].tight) {
+            gl.glPixelStorei(kTight[i].name, mGameValues[i]);
         }
     }
 }

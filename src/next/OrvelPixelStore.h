@@ -19,7 +19,7 @@ public:
 private:
     static constexpr int kParameters = 4;
 
-    GLint mGames[kParameters];
+    GLint mGameValues[kParameters];
     GLint mBuffer = 0; // 0: nothing to bind again
 };
 

@@ -2,6 +2,8 @@
 
 #include "next/OrvelNext.h"
 
+#include <iterator>
+
 namespace android::orvel::next {
 
 OrvelProgramReflector::OrvelProgramReflector(GLuint program) {

@@ -1,13 +1,13 @@
 #include "settings/GameInfoMonitor.h"
 
 #include "base/OrvelClock.h"
+#include "base/OrvelGuard.h"
 #include "base/OrvelLog.h"
 #include "base/OrvelPaths.h"
 #include "settings/OrvelDebugProperty.h"
 
 #include <cerrno>
 #include <cstring>
-#include <exception>
 #include <fstream>
 #include <locale>
 #include <sstream>
@@ -115,11 +115,7 @@ void GameInfoMonitor::eventProcess() {
             }
             continue;
         }
-        try {
-            updateGameInfo();
-        } catch (const std::exception& error) { // a line larger than memory
-            ORVEL_LOGE("Orvel reading game info failed: %s", error.what());
-        }
+        orvel::guarded("Orvel reading game info", [this] { updateGameInfo(); }); // a line may be larger than memory
         mReadLength = -1;
     }
 }
@@ -132,9 +128,7 @@ void GameInfoMonitor::updateGameInfo() {
     }
     std::string text;
     while (std::getline(file, text)) {
-        if (mDebug) {
-            ORVEL_LOGI("gameInfo changed: %s", text.c_str());
-        }
+        ORVEL_LOGI_IF(mDebug, "gameInfo changed: %s", text.c_str());
         std::istringstream line(text);
         line.imbue(std::locale::classic()); // whatever the game's locale says of digits
         if (!applyLine(line)) {
@@ -195,27 +189,23 @@ bool GameInfoMonitor::applyLine(std::istream& line) {
 }
 
 void GameInfoMonitor::parseGameSceneId(std::string package, int id) {
-    if (mDebug) {
-        ORVEL_LOGI("parseGameSceneId: %s %d", package.c_str(), id);
-    }
+    ORVEL_LOGI_IF(mDebug, "parseGameSceneId: %s %d", package.c_str(), id);
     if (isOwnPackage(package)) {
-        mGameInfo.mSceneId.store(id, std::memory_order_relaxed);
+        mGameInfo.mSceneId = id;
     }
 }
 
 void GameInfoMonitor::parseGamePictureInfo(int key, int value) {
-    if (mDebug) {
-        ORVEL_LOGI("parseGamePictureInfo: %d %d", key, value);
-    }
+    ORVEL_LOGI_IF(mDebug, "parseGamePictureInfo: %d %d", key, value);
     switch (key) {
     case kPictureKeyImageQuality:
-        mGameInfo.mImageQuality.store(value, std::memory_order_relaxed);
+        mGameInfo.mImageQuality = value;
         break;
     case kPictureKey54:
-        mGameInfo.mPicKey54.store(value, std::memory_order_relaxed);
+        mGameInfo.mPicKey54 = value;
         break;
     case kPictureKey10:
-        mGameInfo.mPicKey10.store(value, std::memory_order_relaxed);
+        mGameInfo.mPicKey10 = value;
         break;
     default:
         break;
@@ -223,29 +213,23 @@ void GameInfoMonitor::parseGamePictureInfo(int key, int value) {
 }
 
 void GameInfoMonitor::parseGameVrsLevel(int level) {
-    if (mDebug) {
-        ORVEL_LOGI("parseGameVrsLevel: %d", level);
-    }
-    mGameInfo.mVrsLevel.store(level, std::memory_order_relaxed);
+    ORVEL_LOGI_IF(mDebug, "parseGameVrsLevel: %d", level);
+    mGameInfo.mVrsLevel = level;
 }
 
 void GameInfoMonitor::parseCommonVrs(std::string package, int value) {
-    if (mDebug) {
-        ORVEL_LOGI("parseCommonVrs: %s %d", package.c_str(), value);
-    }
+    ORVEL_LOGI_IF(mDebug, "parseCommonVrs: %s %d", package.c_str(), value);
     if (isOwnPackage(package)) {
-        mGameInfo.mSmallWindow.store(value == 1, std::memory_order_relaxed);
+        mGameInfo.mSmallWindow = value == 1;
     }
 }
 
 void GameInfoMonitor::parseFilterConfig(std::string package, int type, int strength, int darkEdge) {
-    if (mDebug) {
-        ORVEL_LOGI("parseFilterConfig: %s %d %d %d", package.c_str(), type, strength, darkEdge);
-    }
+    ORVEL_LOGI_IF(mDebug, "parseFilterConfig: %s %d %d %d", package.c_str(), type, strength, darkEdge);
     if (isOwnPackage(package)) {
-        mGameInfo.mFilterType.store(type, std::memory_order_relaxed);
-        mGameInfo.mLutStrength.store(strength, std::memory_order_relaxed);
-        mGameInfo.mDarkEdge.store(darkEdge, std::memory_order_relaxed);
+        mGameInfo.mFilterType = type;
+        mGameInfo.mLutStrength = strength;
+        mGameInfo.mDarkEdge = darkEdge;
     }
 }
 

@@ -1,6 +1,9 @@
 // Live information about the running game, from a text file that the tuning service rewrites while the game runs.
 #pragma once
 
+#include "base/OrvelFileEvents.h"
+#include "base/Relaxed.h"
+
 #include <atomic>
 #include <cstdint>
 #include <iosfwd>
@@ -15,15 +18,15 @@ namespace android {
  * may see the fields of one update partly applied, the three filter fields included.
  */
 struct GameInfo {
-    std::atomic<int32_t> mImageQuality{0}; // picture key 8
-    std::atomic<int32_t> mPicKey54{0};
-    std::atomic<int32_t> mPicKey10{-1};
-    std::atomic<int32_t> mSceneId{0};
-    std::atomic<bool> mSmallWindow{false};
-    std::atomic<int32_t> mVrsLevel{0};
-    std::atomic<int32_t> mFilterType{0};
-    std::atomic<int32_t> mLutStrength{100}; // percent
-    std::atomic<int32_t> mDarkEdge{0};
+    orvel::Relaxed<int32_t> mImageQuality = 0; // picture key 8
+    orvel::Relaxed<int32_t> mPicKey54 = 0;
+    orvel::Relaxed<int32_t> mPicKey10 = -1;
+    orvel::Relaxed<int32_t> mSceneId = 0;
+    orvel::Relaxed<bool> mSmallWindow = false;
+    orvel::Relaxed<int32_t> mVrsLevel = 0;
+    orvel::Relaxed<int32_t> mFilterType = 0;
+    orvel::Relaxed<int32_t> mLutStrength = 100; // percent
+    orvel::Relaxed<int32_t> mDarkEdge = 0;
 };
 
 class GameInfoMonitor {
@@ -63,8 +66,6 @@ public:
     const GameInfo& getGameInfo() const { return mGameInfo; }
 
 private:
-    static constexpr size_t kEventBufferBytes = 2720;
-
     GameInfoMonitor();
     bool applyLine(std::istream& line);
     bool isOwnPackage(const std::string& package);
@@ -77,7 +78,7 @@ private:
     std::atomic<int32_t> mInotifyFd{-1}; // the monitor thread reads it while the process ends
     int32_t mWatchFd = -1;
     int32_t mReadLength = -1;
-    char mEvents[kEventBufferBytes]; // received and not looked at: any event means that the file changed
+    char mEvents[orvel::kFileEventBytes]; // received and not looked at: any event means that the file changed
     bool mRunning = false;
     GameInfo mGameInfo;
     std::mutex mPackageMutex; // the name comes from the thread that starts the library, after the monitor was started

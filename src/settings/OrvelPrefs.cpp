@@ -5,18 +5,20 @@
 #include "base/FsrConstants.h"
 #include "base/OrvelLog.h"
 #include "base/OrvelParse.h"
+#include "settings/ConfigText.h"
 #include "settings/OrvelSettings.h"
 
 #include <json/reader.h>
 
 #include <algorithm>
-#include <cctype>
 #include <exception>
 #include <utility>
 
 namespace com::velmor::ravelo {
 
 namespace app = android::orvel::app;
+using android::orvel::configText;
+using android::orvel::logMalformed;
 using android::orvel::oneLine;
 using android::orvel::OrvelSettings;
 using android::orvel::parseInt;
@@ -24,14 +26,24 @@ using android::orvel::splitText;
 
 namespace {
 
-constexpr int kFirstKeySet = 1;
-constexpr int kLastKeySet = 15;
-constexpr int kKeySetAnisotropy = 3;
-constexpr int kKeySetDynamicFrameInterval = 15;
-
-void logMalformed(const char* key, const std::string& text) {
-    ORVEL_LOGE("configuration of \"%s\" is malformed: \"%s\"", key, oneLine(text).c_str());
-}
+/** What queryParams() takes, in the order in which the sets are applied. */
+enum KeySet : int {
+    KEY_SET_TEX_SIZE = 1,
+    KEY_SET_SHADING_RATE = 2,
+    KEY_SET_ANISOTROPY = 3,
+    KEY_SET_YS_SCENE = 4,
+    KEY_SET_YS_TRANSFER = 5,
+    KEY_SET_YS_LAUNCH = 6,
+    KEY_SET_ADAPT_SIZES = 7,
+    KEY_SET_SHADER_REPLACE = 8,
+    KEY_SET_DYNAMIC_RESOLUTION = 9,
+    KEY_SET_HKRPG_SCENE = 10,
+    KEY_SET_HP_TRANSFER = 11,
+    KEY_SET_FRAME_INTERVAL = 12,
+    KEY_SET_SUPER_RESOLUTION = 13,
+    KEY_SET_BACKBUFFER = 14,
+    KEY_SET_DYNAMIC_FRAME_INTERVAL = 15,
+};
 
 /**
  * What is wrong with the text is logged.
@@ -100,15 +112,15 @@ void OrvelPrefs::readFromRavelo(const std::string& text) {
     mConfigs = std::move(*configs);
     const android::OrvelApplicationType type = OrvelSettings::getInstance().mApplicationType;
     if (!app::UsingRenderController(type)) {
-        for (int which = kFirstKeySet; which <= kLastKeySet; ++which) {
+        for (int which = KEY_SET_TEX_SIZE; which <= KEY_SET_DYNAMIC_FRAME_INTERVAL; ++which) {
             queryParams(which);
         }
         return;
     }
     if (type == android::APP_TYPE_SGAME) {
-        queryParams(kKeySetDynamicFrameInterval);
+        queryParams(KEY_SET_DYNAMIC_FRAME_INTERVAL);
     } else if (type == android::APP_TYPE_PUBG) {
-        queryParams(kKeySetAnisotropy);
+        queryParams(KEY_SET_ANISOTROPY);
     }
     if (mProcessorData) {
         initProcessorData();
@@ -129,7 +141,7 @@ void OrvelPrefs::initProcessorData() {
 
 void OrvelPrefs::queryParams(int which) {
     switch (which) {
-    case 1: {
+    case KEY_SET_TEX_SIZE: {
         const std::string text = textOf("tex_size");
         const std::optional<TEX_SIZE> size = parseSize(text);
         if (!size && !text.empty()) {
@@ -140,56 +152,56 @@ void OrvelPrefs::queryParams(int which) {
         }
         break;
     }
-    case 2:
+    case KEY_SET_SHADING_RATE:
         if (const auto rate = numberOf("shader_rate"); rate && *rate >= 1) {
             mShadingRate = *rate;
             mShadingRateEnabled = true;
         }
         break;
-    case kKeySetAnisotropy:
+    case KEY_SET_ANISOTROPY:
         if (const auto anisotropy = numberOf("tex_param_anisotropy"); anisotropy && *anisotropy >= 1) {
             mTexAnisotropy = *anisotropy;
             mTexAnisotropyEnabled = true;
         }
         break;
-    case 4:
+    case KEY_SET_YS_SCENE:
         // Deliberate: any text switches this one on, "0" too.
         mYSSceneRecognize = mYSSceneRecognize || !textOf("ys_scene_recognize").empty();
         break;
-    case 5:
+    case KEY_SET_YS_TRANSFER:
         mYSTransferRecognize = mYSTransferRecognize || isOne("ys_transfer_recognize");
         break;
-    case 6:
+    case KEY_SET_YS_LAUNCH:
         mYSLaunchRecognize = mYSLaunchRecognize || isOne("ys_launch_recognize");
         break;
-    case 7:
+    case KEY_SET_ADAPT_SIZES:
         queryAdaptSizes();
         derivePostProcessLowParams();
         break;
-    case 8:
+    case KEY_SET_SHADER_REPLACE:
         if (const auto config = numberOf("shader_replace_config"); config && *config >= 1) {
             mShaderReplaceConfig = *config;
         }
         break;
-    case 9:
+    case KEY_SET_DYNAMIC_RESOLUTION:
         queryDynamicResolution();
         break;
-    case 10:
+    case KEY_SET_HKRPG_SCENE:
         mHkrpgSceneRecognize = mHkrpgSceneRecognize || isOne("hkrpg_scene_recognize");
         break;
-    case 11:
+    case KEY_SET_HP_TRANSFER:
         mHPTransferRecognize = mHPTransferRecognize || isOne("hp_transfer_recognize");
         break;
-    case 12:
+    case KEY_SET_FRAME_INTERVAL:
         mDFIInterval = numberOf("dfi_interval").value_or(mDFIInterval);
         break;
-    case 13:
+    case KEY_SET_SUPER_RESOLUTION:
         querySuperResolutionSizes();
         break;
-    case 14:
+    case KEY_SET_BACKBUFFER:
         queryBackbufferSizes();
         break;
-    case kKeySetDynamicFrameInterval:
+    case KEY_SET_DYNAMIC_FRAME_INTERVAL:
         mDynamicDFIEnabled = mDynamicDFIEnabled || isOne("dynamic_dfi_interval");
         break;
     default:
@@ -199,14 +211,7 @@ void OrvelPrefs::queryParams(int which) {
 }
 
 /** @return the key's value as text; empty, which means not given, when it is missing, null, a list or an object */
-std::string OrvelPrefs::textOf(const char* key) const {
-    const Json::Value& value = mConfigs[key];
-    if (value.isArray() || value.isObject()) {
-        ORVEL_LOGE("configuration of \"%s\" is malformed: no text", key);
-        return {};
-    }
-    return value.asString();
-}
+std::string OrvelPrefs::textOf(const char* key) const { return configText(mConfigs, key).value_or(""); }
 
 std::optional<int32_t> OrvelPrefs::numberOf(const char* key) const {
     const std::string text = textOf(key);

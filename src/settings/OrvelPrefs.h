@@ -1,12 +1,12 @@
 // What the tuning service wants for this package: its JSON answer, parsed.
 #pragma once
 
+#include "base/Relaxed.h"
 #include "settings/OrvelTexSize.h"
 
 #include <json/value.h>
 
 #include <array>
-#include <atomic>
 #include <cstdint>
 #include <map>
 #include <optional>
@@ -64,8 +64,8 @@ public:
     std::vector<TEX_SIZE> mDRRAvailableSizes;
     int32_t mDFIInterval = -1;
     bool mDynamicDFIEnabled = false;
-    // Atomic: cleared by the thread that finds the window unusable, read by any thread that makes a surface.
-    std::atomic<bool> mBackbufferSizeValid{false};
+    // Cleared by the thread that finds the window unusable, read by any thread that makes a surface.
+    android::orvel::Relaxed<bool> mBackbufferSizeValid = false;
     std::array<int32_t, 8> mBackbufferSizes{}; // four sizes: native, tolerated, super resolution off, on
     std::array<TEX_SIZE, 2> mSRSizes{};        // reduced, then target
     android::orvel::app::OrvelProcessorDataBase* mProcessorData; // owned; null for an unlisted process

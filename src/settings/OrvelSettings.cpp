@@ -5,6 +5,7 @@
 #include "base/OrvelPaths.h"
 #include "settings/GameInfoMonitor.h"
 #include "settings/OrvelPrefs.h"
+#include "settings/RaveloService.h"
 
 #include <android-base/file.h>
 #include <android-base/stringprintf.h>
@@ -12,7 +13,7 @@
 #include <binder/Parcel.h>
 #include <utils/String16.h>
 
-#include <atomic>
+#include <memory>
 #include <mutex>
 #include <string>
 #include <unistd.h>
@@ -24,10 +25,6 @@ namespace android::orvel {
 using com::velmor::ravelo::OrvelPrefs;
 
 namespace {
-
-constexpr char kServiceName[] = "velmor.ravelo";
-constexpr char kServiceInterface[] = "com.velmor.ravelo.IRaveloInterface";
-constexpr uint32_t kTransactionConfiguration = 13;
 
 /** Tells the settings that the service has died. */
 class RemoteDeath : public IBinder::DeathRecipient {
@@ -44,8 +41,6 @@ std::mutex sRemoteBinderMutex; // taken by the start-up thread and the binder th
 // A binder holds its recipients weakly: without this reference no notice would ever come. It is never destroyed, since
 // one may come while the process ends.
 auto& sLastRecipient = *new sp<IBinder::DeathRecipient>;
-
-int32_t read(const std::atomic<int32_t>& field) { return field.load(std::memory_order_relaxed); }
 
 } // namespace
 
@@ -99,7 +94,7 @@ int32_t OrvelSettings::initOrvelPrefs() {
     Parcel request;
     Parcel reply;
     // A strong reference of our own: the death notice may drop the member's during the call.
-    const sp<IBinder> binder = defaultServiceManager()->checkService(String16(kServiceName));
+    const sp<IBinder> binder = defaultServiceManager()->checkService(String16(kRaveloName));
     replaceRemoteBinder(binder);
     if (!binder) {
         ORVEL_LOGW("remote service not exist.");
@@ -107,13 +102,13 @@ int32_t OrvelSettings::initOrvelPrefs() {
     }
     sLastRecipient = new RemoteDeath(this);
     binder->linkToDeath(sLastRecipient);
-    request.writeInterfaceToken(String16(kServiceInterface));
+    request.writeInterfaceToken(String16(kRaveloInterface));
     if (!mPackageNameResolved && initActivityThreadClass()) {
         mPackageNameResolved = true;
         mPackageName = getCurrentPackageName();
     }
     request.writeString16(String16(mPackageName));
-    if (binder->transact(kTransactionConfiguration, request, &reply, 0) != NO_ERROR) {
+    if (binder->transact(kRaveloGetConfiguration, request, &reply, 0) != NO_ERROR) {
         ORVEL_LOGE("orvel:call remote service failed.");
         return QUERY_CALL_FAILED;
     }
@@ -121,15 +116,15 @@ int32_t OrvelSettings::initOrvelPrefs() {
         return QUERY_EXCEPTION;
     }
     const String8 answer(reply.readString16());
-    // Deliberate: preferences of an earlier query are not deleted, render contexts may still hold their data.
-    mPrefs = new OrvelPrefs;
-    if (answer.isEmpty()) {
-        mPrefs->mEnabled = false;
-        return QUERY_EMPTY_ANSWER;
+    auto prefs = std::make_unique<OrvelPrefs>();
+    if (!answer.isEmpty()) {
+        prefs->readFromRavelo(std::string(answer.string(), answer.size()));
+        prefs->mEnabled = true;
     }
-    mPrefs->readFromRavelo(std::string(answer.string(), answer.size()));
-    mPrefs->mEnabled = true;
-    return QUERY_CONFIGURED;
+    // Only now, complete. Deliberate: those of an earlier query are not deleted, render contexts may still hold their
+    // data.
+    mPrefs = prefs.release();
+    return mPrefs->mEnabled ? QUERY_CONFIGURED : QUERY_EMPTY_ANSWER;
 }
 
 void OrvelSettings::onRemoteServiceDied() {
@@ -148,13 +143,13 @@ app::OrvelProcessorDataBase& OrvelSettings::getProcessorData() {
 }
 
 const GameInfo* OrvelSettings::getGameInfo() const { return &GameInfoMonitor::getInstance().getGameInfo(); }
-int32_t OrvelSettings::getImageQuality() const { return read(getGameInfo()->mImageQuality); }
-int32_t OrvelSettings::getSceneId() const { return read(getGameInfo()->mSceneId); }
-int32_t OrvelSettings::getVrsLevel() const { return read(getGameInfo()->mVrsLevel); }
-uint8_t OrvelSettings::getSmallWindowSig() const { return getGameInfo()->mSmallWindow.load(std::memory_order_relaxed); }
-int32_t OrvelSettings::getFilterType() const { return read(getGameInfo()->mFilterType); }
-int32_t OrvelSettings::getLutStrength() const { return read(getGameInfo()->mLutStrength); }
-int32_t OrvelSettings::getDarkEdge() const { return read(getGameInfo()->mDarkEdge); }
+int32_t OrvelSettings::getImageQuality() const { return getGameInfo()->mImageQuality; }
+int32_t OrvelSettings::getSceneId() const { return getGameInfo()->mSceneId; }
+int32_t OrvelSettings::getVrsLevel() const { return getGameInfo()->mVrsLevel; }
+uint8_t OrvelSettings::getSmallWindowSig() const { return getGameInfo()->mSmallWindow; }
+int32_t OrvelSettings::getFilterType() const { return getGameInfo()->mFilterType; }
+int32_t OrvelSettings::getLutStrength() const { return getGameInfo()->mLutStrength; }
+int32_t OrvelSettings::getDarkEdge() const { return getGameInfo()->mDarkEdge; }
 
 std::vector<std::string> OrvelSettings::split(const std::string& text, const std::string& delimiters) {
     return splitText(text, delimiters);

@@ -22,7 +22,10 @@ struct GameInfo;
 
 namespace android::orvel {
 
-/** The one record of the process. Filled once at start-up by init(); the live getters may be called on any thread. */
+/**
+ * The one record of the process. Filled once at start-up by init(), and not again while the game draws: hooks read it
+ * without a lock. The live getters may be called on any thread.
+ */
 class OrvelSettings {
 public:
     /** What initOrvelPrefs() came to. */
@@ -47,8 +50,9 @@ public:
     void init();
 
     /**
-     * Asks the tuning service for this package's configuration; blocks until it answers.
+     * Asks the tuning service for this package's configuration; blocks until it answers. On the start-up thread only.
      * @return a QueryStatus; only QUERY_CONFIGURED and QUERY_EMPTY_ANSWER leave preferences behind
+     * @throw std::bad_alloc; the preferences are then those of before
      */
     int32_t initOrvelPrefs();
 
@@ -75,6 +79,7 @@ public:
     String8 mPackageName; // the process name; later what the application framework answered, even if that is empty
     bool mPackageNameResolved = false; // the framework has answered
 
+    // Private in between: the order of the members is part of the record.
 private:
     sp<IBinder> mRemoteBinder; // written here and by the binder thread that brings the death notice, under a mutex
 

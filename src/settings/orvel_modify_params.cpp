@@ -8,8 +8,6 @@
 #include "settings/OrvelPrefs.h"
 #include "settings/OrvelSettings.h"
 
-#include <string>
-
 namespace android {
 
 using com::velmor::ravelo::OrvelPrefs;
@@ -47,7 +45,7 @@ bool mEnableHPTransferRecognize = false;
 sp<SceneRecognizer>& mSceneRecognizer = *new sp<SceneRecognizer>;
 std::map<HKRPG_SCENE, int32_t>& mHkrpeMinmapTextureMap = *new std::map<HKRPG_SCENE, int32_t>;
 
-std::atomic<bool> mEnableDynamicResolution{false};
+constinit orvel::Relaxed<bool> mEnableDynamicResolution = false;
 orvel::OrvelDRR* mOrvelDRR = nullptr;
 int32_t mDFIInterval = -1;
 
@@ -82,9 +80,7 @@ void initAdaptSizes() {
         return;
     }
     mGameSCSize = sizes->second.front();
-    if (orveldebug) {
-        ORVEL_LOGI("mGameSCSize: %dx%d", mGameSCSize.width, mGameSCSize.height);
-    }
+    ORVEL_LOGI_IF(orveldebug, "mGameSCSize: %dx%d", mGameSCSize.width, mGameSCSize.height);
 }
 
 void initSceneRecognition() {
@@ -117,18 +113,18 @@ void initDynamicResolution() {
 }
 
 void logSettings() {
-    if (orveldebug) {
-        const int cachedValue = 0; // a field of the line that no setting fills
-        ORVEL_LOGE("orveldebug: ScaleResolutionSize(%d %d %d), ShadingRate(%d %d),AFModify(%d %d), CachedValue= %d, "
-                   "mEnableDynamicResolution=%d",
-                   mEnableScaleResolutionSize, mTargetTexWidthYuanshen, mTargetTexHeightYuanshen, mEnableShadingRate,
-                   mShadingRate, mEnableAFModify, mTargetAFValue, cachedValue, mEnableDynamicResolution.load());
-        ORVEL_LOGE("orveldebug: YSSceneRecognize=%d, mEnableYSTransferRecognize=%d, mEnableYSLaunchRecognize=%d, "
-                   "mEnableHPTransferRecognize=%d",
-                   mEnableYSSceneRecognize, mEnableYSTransferRecognize, mEnableYSLaunchRecognize,
-                   mEnableHPTransferRecognize);
-    }
-    ORVEL_LOGI("EnableDR: %d", mEnableDynamicResolution.load());
+    const int cachedValue = 0; // a field of the line that no setting fills
+    ORVEL_LOGE_IF(orveldebug,
+                  "orveldebug: ScaleResolutionSize(%d %d %d), ShadingRate(%d %d),AFModify(%d %d), CachedValue= %d, "
+                  "mEnableDynamicResolution=%d",
+                  mEnableScaleResolutionSize, mTargetTexWidthYuanshen, mTargetTexHeightYuanshen, mEnableShadingRate,
+                  mShadingRate, mEnableAFModify, mTargetAFValue, cachedValue, bool{mEnableDynamicResolution});
+    ORVEL_LOGE_IF(orveldebug,
+                  "orveldebug: YSSceneRecognize=%d, mEnableYSTransferRecognize=%d, mEnableYSLaunchRecognize=%d, "
+                  "mEnableHPTransferRecognize=%d",
+                  mEnableYSSceneRecognize, mEnableYSTransferRecognize, mEnableYSLaunchRecognize,
+                  mEnableHPTransferRecognize);
+    ORVEL_LOGI("EnableDR: %d", bool{mEnableDynamicResolution});
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 // What the legacy features of this process are set to. Plain variables: their hooks run on every draw and read nothing
-// else. Written by initGameSetting(), first before any hook is installed, and by the feature named.
+// else. Written by initGameSetting(), first before any hook is installed, and by the feature named. Known by names that
+// begin with m, though they are no members: one of each for the process.
 #pragma once
 
 #include "base/OrvelTurn.h"
@@ -8,7 +9,6 @@
 
 #include <utils/StrongPointer.h>
 
-#include <atomic>
 #include <cstdint>
 #include <map>
 #include <vector>
@@ -50,7 +50,7 @@ extern int32_t mTargetAFValue;
 extern std::map<com::velmor::ravelo::TYPE_ADAPT_SET, std::vector<com::velmor::ravelo::TEX_SIZE>>& mDeviceAdaptConfigMap;
 extern std::map<int32_t, std::vector<float>>& mPostProcessLowParamsMap; // low width to 16 upscaling constants
 extern std::vector<float>& mPostprocessLowParam;                        // the entry in use; written by the size rules
-extern orvel::OrvelTurns mPostprocessLowParamTurns;                     // at it: loading threads state sizes, too
+extern orvel::OrvelTurns mPostprocessLowParamTurns;                     // guards it: loading threads state sizes, too
 extern orvel::Relaxed<bool> mIsYuanshenPostprocessLow;                  // for good; written by the size rules
 extern com::velmor::ravelo::TEX_SIZE mGameSCSize;                       // size of the game's screenshots
 extern int32_t mShaderReplaceValue;
@@ -63,8 +63,8 @@ extern bool mEnableHPTransferRecognize;
 extern sp<SceneRecognizer>& mSceneRecognizer;                  // null unless one of the five is on
 extern std::map<HKRPG_SCENE, int32_t>& mHkrpeMinmapTextureMap; // spelt so; texture names, written by recognition
 
-// Atomic: cleared for good by the thread that meets an illegal size, read by every hook. Read it relaxed.
-extern std::atomic<bool> mEnableDynamicResolution;
+// Cleared for good by the thread that meets an illegal size, read by every hook.
+extern orvel::Relaxed<bool> mEnableDynamicResolution;
 extern orvel::OrvelDRR* mOrvelDRR; // never freed
 extern int32_t mDFIInterval;       // milliseconds, -1 off; rewritten by the frame-interval feature
 

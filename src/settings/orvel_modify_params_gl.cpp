@@ -1,6 +1,7 @@
 // Changes of single GL parameters: shading rate, anisotropy, uniforms that carry a size or the constants made from one.
 #include "base/OrvelLog.h"
 #include "base/ScreenSizeUniform.h"
+#include "base/ShadingRateEnums.h"
 #include "next/OrvelNext.h"
 #include "settings/orvel_modify_params.h"
 
@@ -28,18 +29,14 @@ void setShadingRate() {
     } else {
         ORVEL_LOGE("orvel:undefined shading rate"); // deliberately at every draw
     }
-    if (orveldebug) {
-        ORVEL_LOGE("orveldebug:modifyShadingRate, mShadingRate: %d", mShadingRate);
-    }
+    ORVEL_LOGE_IF(orveldebug, "orveldebug:modifyShadingRate, mShadingRate: %d", mShadingRate);
 }
 
 void modifyAFValuePubg(unsigned pname, int& value) {
     if (pname != GL_TEXTURE_MAX_ANISOTROPY_EXT || !mEnableAFModify || value <= mTargetAFValue) {
         return;
     }
-    if (orveldebug) {
-        ORVEL_LOGE("orveldebug:modifyAFValuePubg, af: %d -> %d", value, mTargetAFValue);
-    }
+    ORVEL_LOGE_IF(orveldebug, "orveldebug:modifyAFValuePubg, af: %d -> %d", value, mTargetAFValue);
     value = mTargetAFValue;
 }
 
@@ -51,11 +48,10 @@ void modifyRenderPrecisionYuanshenShaderUniform(int count, float* v) {
     const float old[] = {v[0], v[1], v[2], v[3]};
     const bool rewritten =
         orvel::rewriteScreenSizeUniform(v, [](int& w, int& h) { modifyRenderPrecisionYuanshen(w, h, kUniformKind); });
-    if (rewritten && orveldebug) {
-        ORVEL_LOGE("orveldebug:modifyRenderPrecisionYuanshenShaderUniform, su: [%f, %f, %f, %f] -> [%f, %f, %f, %f]",
-                   double{old[0]}, double{old[1]}, double{old[2]}, double{old[3]}, double{v[0]}, double{v[1]},
-                   double{v[2]}, double{v[3]});
-    }
+    ORVEL_LOGE_IF(rewritten && orveldebug,
+                  "orveldebug:modifyRenderPrecisionYuanshenShaderUniform, su: [%f, %f, %f, %f] -> [%f, %f, %f, %f]",
+                  double{old[0]}, double{old[1]}, double{old[2]}, double{old[3]}, double{v[0]}, double{v[1]},
+                  double{v[2]}, double{v[3]});
 }
 
 // ---- upscaling constants ------------------------------------------------------------------------------

@@ -6,6 +6,7 @@
 #include "settings/orvel_modify_params.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace android {
 
@@ -20,10 +21,8 @@ namespace {
 constexpr int kLoggedKind = 1; // a texture that is being allocated; for others, as at each viewport, no line is written
 
 void logRewrite(int kind, const char* list, const TEX_SIZE& from, const TEX_SIZE& to) {
-    if (orveldebug && kind == kLoggedKind) {
-        ORVEL_LOGE("orveldebug:modifyRenderPrecisionYuanshen%s, rf: %d*%d -> %d*%d", list, from.width, from.height,
-                   to.width, to.height);
-    }
+    ORVEL_LOGE_IF(orveldebug && kind == kLoggedKind, "orveldebug:modifyRenderPrecisionYuanshen%s, rf: %d*%d -> %d*%d",
+                  list, from.width, from.height, to.width, to.height);
 }
 
 TEX_SIZE fullTarget() { return {mTargetTexWidthYuanshen, mTargetTexHeightYuanshen}; }
@@ -130,7 +129,7 @@ bool applyDeviceTable(TEX_SIZE& size, int kind) {
 /** The game goes on drawing for the window's native size after the window's buffers were resized. */
 void applyBackbufferSize(TEX_SIZE& size, int kind) {
     const auto* prefs = orvel::OrvelSettings::getInstance().mPrefs;
-    if (!prefs || !prefs->mBackbufferSizeValid.load(std::memory_order_relaxed) ||
+    if (!prefs || !prefs->mBackbufferSizeValid ||
         size != TEX_SIZE{prefs->mBackbufferSizes[0], prefs->mBackbufferSizes[1]}) {
         return;
     }
@@ -138,9 +137,7 @@ void applyBackbufferSize(TEX_SIZE& size, int kind) {
     if (width < 1 || height < 1) {
         return; // none was asked for yet
     }
-    if (orveldebug && kind == kLoggedKind) {
-        ORVEL_LOGI("BFSize: %dx%d -> %dx%d", size.width, size.height, width, height);
-    }
+    ORVEL_LOGI_IF(orveldebug && kind == kLoggedKind, "BFSize: %dx%d -> %dx%d", size.width, size.height, width, height);
     size = {width, height};
 }
 

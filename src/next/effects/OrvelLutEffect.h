@@ -21,7 +21,7 @@ public:
 
 private:
     GLint mParamLocation = -1;
-    GLint mLutTexLocation = -1; // never written: a sampler begins as unit 0
+    GLint mLutTexLocation = -1; // the uniform is never written: a sampler begins as unit 0
 };
 
 } // namespace android::orvel::next

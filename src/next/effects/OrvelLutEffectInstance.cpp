@@ -64,9 +64,9 @@ void OrvelLutEffectInstance::Tick(OrvelStateTracker& tracker) {
     tracker.StoreTextureBinding2D();
     gl.glActiveTexture(mTextureUnit);
     // The game's sampler would go before our texture's own filters.
-    mGamesSampler = 0; // a driver without samplers answers nothing
-    gl.glGetIntegerv(GL_SAMPLER_BINDING, &mGamesSampler);
-    if (mGamesSampler != 0) {
+    mGameSampler = 0; // a driver without samplers answers nothing
+    gl.glGetIntegerv(GL_SAMPLER_BINDING, &mGameSampler);
+    if (mGameSampler != 0) {
         gl.glBindSampler(mTextureUnit - GL_TEXTURE0, 0);
     }
     mLutTexture->Bind();
@@ -74,8 +74,8 @@ void OrvelLutEffectInstance::Tick(OrvelStateTracker& tracker) {
 }
 
 void OrvelLutEffectInstance::ReleaseTextureUnit() {
-    if (mGamesSampler != 0) {
-        gl.glBindSampler(mTextureUnit - GL_TEXTURE0, static_cast<GLuint>(mGamesSampler));
+    if (mGameSampler != 0) {
+        gl.glBindSampler(mTextureUnit - GL_TEXTURE0, static_cast<GLuint>(mGameSampler));
     }
     if (!mUnitWasActive) { // the tracker puts back the texture of the unit that was active, only of that one
         mLutTexture->UnBind();

@@ -53,7 +53,7 @@ private:
     std::unique_ptr<OrvelPixelBuffer> mPixelBuffer;
 
     bool mUnitWasActive = true; // the texture unit, when the game handed over
-    GLint mGamesSampler = 0;    // bound to that unit, while ours is in use
+    GLint mGameSampler = 0;     // bound to that unit, while ours is in use
 };
 
 } // namespace android::orvel::next

@@ -13,7 +13,7 @@ namespace android::orvel::next {
  * copied. An effect that cannot be made is not valid, and nothing is drawn with it. Used on the thread of the context
  * that it was made in.
  *
- * The order of the virtual operations is fixed.
+ * The order of the virtual operations is fixed: others count on the slots of the table.
  */
 class OrvelVisualEffect {
 public:

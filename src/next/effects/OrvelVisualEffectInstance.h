@@ -15,7 +15,7 @@ class OrvelVisualEffectManager;
  * What changed since the last frame is sent to GL by Tick(), nothing else is. Used on the thread of its effect's
  * context, and not after its effect.
  *
- * The order of the virtual operations is fixed.
+ * The order of the virtual operations is fixed: others count on the slots of the table.
  */
 class OrvelVisualEffectInstance {
 public:

@@ -20,7 +20,7 @@ class OrvelTexture2D;
 class OrvelVisualEffect;
 class OrvelVisualEffectInstance;
 
-/** What textures for look-up images are shared by. */
+/** Key of the cache of look-up textures. */
 struct PNGImageInfo {
     uint32_t width;
     uint32_t height;

@@ -152,6 +152,12 @@ TEST(SwapHooks, FrameEndsAroundTheSwap) {
     EXPECT_THAT(log.texts(ANDROID_LOG_ERROR), ElementsAre("end of frame of module 4 failed: broken",
                                                           "end of frame of module 4 failed: broken after the swap"));
     EXPECT_EQ(processor->GetCurrentFrameId(), 4u);
+    driver->answer<&platform_impl_t::eglSwapBuffers>([](EGLDisplay, EGLSurface) {
+        gContextTls = nullptr; // as when a callback of the driver destroys the context
+        return EGLBoolean(EGL_TRUE);
+    });
+    PlatSwapBuffersHooked(nullptr, nullptr);
+    EXPECT_EQ(processor->GetCurrentFrameId(), 4u) << "may be gone by then";
     processor->OnEnd();
 }
 

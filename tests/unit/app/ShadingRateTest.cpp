@@ -195,7 +195,7 @@ TEST(SmallWindow, SetsTheRateWhenItChanges) {
     LogCapture log;
     const auto framesOf = [&](bool small) {
         auto* info = const_cast<GameInfo*>(OrvelSettings::getInstance().getGameInfo());
-        info->mSmallWindow.store(small);
+        info->mSmallWindow = small;
         driver.forget();
         for (int frame = 0; frame < 3; ++frame) {
             processor->FrameEnd();

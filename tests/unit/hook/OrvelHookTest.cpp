@@ -8,6 +8,8 @@
 
 #include <gmock/gmock.h>
 
+#include <utility>
+
 using namespace android;
 using namespace android::orvel;
 using testing::ElementsAre;
@@ -100,6 +102,28 @@ INSTANTIATE_TEST_SUITE_P(Drivers, DebugLabel,
                                          Answers{nullptr, "GL_EXT_debug_label", true},
                                          Answers{"GL_A GL_EXT_debug_label", "GL_A GL_EXT_debug_label", false},
                                          Answers{"GL_EXT_debug_label_x", "GL_EXT_debug_label_x", false}));
+
+// Catches a decision that waits for itself, is made twice, or ends the game for want of an entry.
+TEST_F(Installed, StandsADriverThatCallsBackOrLacksEntries) {
+    install("GL_A");
+    const GLubyte* inside = nullptr;
+    mDriver.answer<&platform_impl_t::glGetString>([&](GLenum name) {
+        if (!std::exchange(inside, bytes("asked"))) { // as from a debug callback
+            inside = platform().glGetString(name);
+        }
+        return bytes("GL_A");
+    });
+    EXPECT_EQ(text(platform().glGetString(GL_EXTENSIONS)), "GL_EXT_debug_label GL_A");
+    EXPECT_EQ(inside, platform().glGetString(GL_EXTENSIONS));
+    egl_connection_t bare{};
+    gl_hooks_t table{};
+    bare.hooks[egl_connection_t::GLESv2_INDEX] = &table;
+    hook::RegisterHookedFunctions(&bare);
+    EXPECT_EQ(text(bare.platform.glGetString(GL_VENDOR)), "null");
+    EXPECT_EQ(text(bare.platform.glGetStringi(GL_VENDOR, 0)), "null");
+    bare.platform.glGetIntegerv(GL_NUM_EXTENSIONS, nullptr);
+    EXPECT_EQ(bare.egl.eglGetProcAddress("glA"), nullptr);
+}
 
 // Catches hooks that stand on the wrong side of the driver's call, and a failure of the driver that is lost or undone.
 TEST_F(Installed, FollowsContexts) {

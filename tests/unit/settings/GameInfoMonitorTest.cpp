@@ -21,9 +21,9 @@ constexpr char kPath[] = "/data/system/mcd/gameInfo";
 std::string describe(const GameInfo& info) {
     const OrvelSettings& settings = OrvelSettings::getInstance(); // the way that features read the record
     std::string text;
-    for (const int value : {settings.getImageQuality(), info.mPicKey54.load(), info.mPicKey10.load(),
-                            settings.getSceneId(), int{settings.getSmallWindowSig()}, settings.getVrsLevel(),
-                            settings.getFilterType(), settings.getLutStrength(), settings.getDarkEdge()}) {
+    for (const int value : {settings.getImageQuality(), int{info.mPicKey54}, int{info.mPicKey10}, settings.getSceneId(),
+                            int{settings.getSmallWindowSig()}, settings.getVrsLevel(), settings.getFilterType(),
+                            settings.getLutStrength(), settings.getDarkEdge()}) {
         text += std::to_string(value) + " ";
     }
     return text;

@@ -61,15 +61,15 @@ void OrvelPUBGFilterModule::FilterDraw() {
     });
 }
 
-void OrvelPUBGFilterModule::PreGlDrawElements(OrvelModuleBase* owner, GLenum mode, GLsizei count, GLenum type,
-                                              const void* indices) {
+void OrvelPUBGFilterModule::PreGlDrawElementsHooked(OrvelModuleBase* owner, GLenum mode, GLsizei count, GLenum type,
+                                                    const void* indices) {
     auto* const self = static_cast<OrvelPUBGFilterModule*>(owner);
     self->DrawIfDue();
     self->mDrawElements.CallNext(mode, count, type, indices);
 }
 
-void OrvelPUBGFilterModule::PreGlDrawElementsInstanced(OrvelModuleBase* owner, GLenum mode, GLsizei count, GLenum type,
-                                                       const void* indices, GLsizei instances) {
+void OrvelPUBGFilterModule::PreGlDrawElementsInstancedHooked(OrvelModuleBase* owner, GLenum mode, GLsizei count,
+                                                             GLenum type, const void* indices, GLsizei instances) {
     auto* const self = static_cast<OrvelPUBGFilterModule*>(owner);
     self->DrawIfDue();
     self->mDrawElementsInstanced.CallNext(mode, count, type, indices, instances);

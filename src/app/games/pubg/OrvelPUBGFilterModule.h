@@ -33,17 +33,18 @@ public:
     static void RegisterGlobalModuleGLHooks(egl_connection_t* cnx);
 
 private:
-    static void PreGlDrawElements(OrvelModuleBase* owner, GLenum mode, GLsizei count, GLenum type, const void* indices);
-    static void PreGlDrawElementsInstanced(OrvelModuleBase* owner, GLenum mode, GLsizei count, GLenum type,
-                                           const void* indices, GLsizei instances);
+    static void PreGlDrawElementsHooked(OrvelModuleBase* owner, GLenum mode, GLsizei count, GLenum type,
+                                        const void* indices);
+    static void PreGlDrawElementsInstancedHooked(OrvelModuleBase* owner, GLenum mode, GLsizei count, GLenum type,
+                                                 const void* indices, GLsizei instances);
 
     OrvelPUBGProcessor& Processor() const;
     void DrawIfDue();
     void FilterDraw();
 
     bool mDrawn = false; // in this frame
-    GlDrawElementsFunctor mDrawElements{this, PreGlDrawElements};
-    GlDrawElementsInstancedFunctor mDrawElementsInstanced{this, PreGlDrawElementsInstanced};
+    GlDrawElementsFunctor mDrawElements{this, PreGlDrawElementsHooked};
+    GlDrawElementsInstancedFunctor mDrawElementsInstanced{this, PreGlDrawElementsInstancedHooked};
 };
 
 } // namespace android::orvel::app::module

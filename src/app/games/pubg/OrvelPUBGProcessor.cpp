@@ -1,9 +1,9 @@
 #include "app/games/pubg/OrvelPUBGProcessor.h"
 
 #include "app/GlobalGlHooks.h"
-#include "app/LabelText.h"
 #include "app/games/pubg/OrvelPUBGData.h"
 #include "app/games/pubg/OrvelPUBGFilterModule.h"
+#include "base/LabelText.h"
 #include "base/OrvelGuard.h"
 #include "next/effects/OrvelVisualEffectManager.h"
 #include "settings/OrvelSettings.h"

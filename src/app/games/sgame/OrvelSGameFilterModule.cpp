@@ -1,16 +1,17 @@
 #include "app/games/sgame/OrvelSGameFilterModule.h"
 
 #include "app/GlobalGlHooks.h"
-#include "app/LabelText.h"
 #include "app/OrvelProcessorDataBase.h"
 #include "app/games/sgame/OrvelSGameFilterModuleData.h"
 #include "app/games/sgame/OrvelSGameProcessor.h"
+#include "base/LabelText.h"
 #include "base/OrvelGuard.h"
 #include "next/OrvelStateTracker.h"
 #include "next/effects/OrvelVisualEffectManager.h"
 #include "settings/OrvelSettings.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace android::orvel::app::module {
 
@@ -163,41 +164,41 @@ void OrvelSGameFilterModule::NoteLabel(GLuint texture, std::string_view label) {
 
 // ---- hooks ---------------------------------------------------------------------------------------------------------
 
-void OrvelSGameFilterModule::PreGlDrawArrays(OrvelModuleBase* owner, GLenum mode, GLint first, GLsizei count) {
+void OrvelSGameFilterModule::PreGlDrawArraysHooked(OrvelModuleBase* owner, GLenum mode, GLint first, GLsizei count) {
     auto* const self = static_cast<OrvelSGameFilterModule*>(owner);
     self->CheckRenderEffect();
     self->mDrawArrays.CallNext(mode, first, count);
 }
 
-void OrvelSGameFilterModule::PreGlDrawArraysInstanced(OrvelModuleBase* owner, GLenum mode, GLint first, GLsizei count,
-                                                      GLsizei instances) {
+void OrvelSGameFilterModule::PreGlDrawArraysInstancedHooked(OrvelModuleBase* owner, GLenum mode, GLint first,
+                                                            GLsizei count, GLsizei instances) {
     auto* const self = static_cast<OrvelSGameFilterModule*>(owner);
     self->CheckRenderEffect();
     self->mDrawArraysInstanced.CallNext(mode, first, count, instances);
 }
 
-void OrvelSGameFilterModule::PreGlDrawElements(OrvelModuleBase* owner, GLenum mode, GLsizei count, GLenum type,
-                                               const void* indices) {
+void OrvelSGameFilterModule::PreGlDrawElementsHooked(OrvelModuleBase* owner, GLenum mode, GLsizei count, GLenum type,
+                                                     const void* indices) {
     auto* const self = static_cast<OrvelSGameFilterModule*>(owner);
     self->CheckRenderEffect();
     self->mDrawElements.CallNext(mode, count, type, indices);
 }
 
-void OrvelSGameFilterModule::PreGlDrawElementsInstanced(OrvelModuleBase* owner, GLenum mode, GLsizei count, GLenum type,
-                                                        const void* indices, GLsizei instances) {
+void OrvelSGameFilterModule::PreGlDrawElementsInstancedHooked(OrvelModuleBase* owner, GLenum mode, GLsizei count,
+                                                              GLenum type, const void* indices, GLsizei instances) {
     auto* const self = static_cast<OrvelSGameFilterModule*>(owner);
     self->CheckRenderEffect();
     self->mDrawElementsInstanced.CallNext(mode, count, type, indices, instances);
 }
 
-void OrvelSGameFilterModule::PreGlBindTexture(OrvelModuleBase* owner, GLenum target, GLuint texture) {
+void OrvelSGameFilterModule::PreGlBindTextureHooked(OrvelModuleBase* owner, GLenum target, GLuint texture) {
     auto* const self = static_cast<OrvelSGameFilterModule*>(owner);
     self->NoteBind(texture);
     self->mBindTexture.CallNext(target, texture);
 }
 
-void OrvelSGameFilterModule::PreGlLabelObjectEXT(OrvelModuleBase* owner, GLenum type, GLuint object, GLsizei length,
-                                                 const GLchar* label) {
+void OrvelSGameFilterModule::PreGlLabelObjectEXTHooked(OrvelModuleBase* owner, GLenum type, GLuint object,
+                                                       GLsizei length, const GLchar* label) {
     auto* const self = static_cast<OrvelSGameFilterModule*>(owner);
     if (const std::string_view text = labelText(length, label); type == GL_TEXTURE && !text.empty()) {
         guarded("label", [&] { self->NoteLabel(object, text); });
@@ -205,7 +206,7 @@ void OrvelSGameFilterModule::PreGlLabelObjectEXT(OrvelModuleBase* owner, GLenum 
     self->mLabelObjectEXT.CallNext(type, object, length, label);
 }
 
-void OrvelSGameFilterModule::PreGlDeleteTextures(OrvelModuleBase* owner, GLsizei n, const GLuint* textures) {
+void OrvelSGameFilterModule::PreGlDeleteTexturesHooked(OrvelModuleBase* owner, GLsizei n, const GLuint* textures) {
     auto* const self = static_cast<OrvelSGameFilterModule*>(owner);
     for (GLsizei i = 0; textures && i < n; ++i) {
         if (textures[i] != 0) {

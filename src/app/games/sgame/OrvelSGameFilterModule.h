@@ -39,16 +39,17 @@ public:
     static void RegisterGlobalModuleGLHooks(egl_connection_t* cnx);
 
 private:
-    static void PreGlDrawArrays(OrvelModuleBase* owner, GLenum mode, GLint first, GLsizei count);
-    static void PreGlDrawArraysInstanced(OrvelModuleBase* owner, GLenum mode, GLint first, GLsizei count,
-                                         GLsizei instances);
-    static void PreGlDrawElements(OrvelModuleBase* owner, GLenum mode, GLsizei count, GLenum type, const void* indices);
-    static void PreGlDrawElementsInstanced(OrvelModuleBase* owner, GLenum mode, GLsizei count, GLenum type,
-                                           const void* indices, GLsizei instances);
-    static void PreGlBindTexture(OrvelModuleBase* owner, GLenum target, GLuint texture);
-    static void PreGlLabelObjectEXT(OrvelModuleBase* owner, GLenum type, GLuint object, GLsizei length,
-                                    const GLchar* label);
-    static void PreGlDeleteTextures(OrvelModuleBase* owner, GLsizei n, const GLuint* textures);
+    static void PreGlDrawArraysHooked(OrvelModuleBase* owner, GLenum mode, GLint first, GLsizei count);
+    static void PreGlDrawArraysInstancedHooked(OrvelModuleBase* owner, GLenum mode, GLint first, GLsizei count,
+                                               GLsizei instances);
+    static void PreGlDrawElementsHooked(OrvelModuleBase* owner, GLenum mode, GLsizei count, GLenum type,
+                                        const void* indices);
+    static void PreGlDrawElementsInstancedHooked(OrvelModuleBase* owner, GLenum mode, GLsizei count, GLenum type,
+                                                 const void* indices, GLsizei instances);
+    static void PreGlBindTextureHooked(OrvelModuleBase* owner, GLenum target, GLuint texture);
+    static void PreGlLabelObjectEXTHooked(OrvelModuleBase* owner, GLenum type, GLuint object, GLsizei length,
+                                          const GLchar* label);
+    static void PreGlDeleteTexturesHooked(OrvelModuleBase* owner, GLsizei n, const GLuint* textures);
 
     OrvelSGameProcessor& Processor() const;
     template <typename Operation>
@@ -69,13 +70,13 @@ private:
     bool mResultSeen = false; // a result screen's texture was bound in this frame
     GLint mSavedColorMask[4] = {};
 
-    GlDrawArraysInstancedFunctor mDrawArraysInstanced{this, PreGlDrawArraysInstanced};
-    GlDrawArraysFunctor mDrawArrays{this, PreGlDrawArrays};
-    GlDrawElementsInstancedFunctor mDrawElementsInstanced{this, PreGlDrawElementsInstanced};
-    GlDrawElementsFunctor mDrawElements{this, PreGlDrawElements};
-    GlBindTextureFunctor mBindTexture{this, PreGlBindTexture};
-    GlLabelObjectEXTFunctor mLabelObjectEXT{this, PreGlLabelObjectEXT};
-    GlDeleteTexturesFunctor mDeleteTextures{this, PreGlDeleteTextures};
+    GlDrawArraysInstancedFunctor mDrawArraysInstanced{this, PreGlDrawArraysInstancedHooked};
+    GlDrawArraysFunctor mDrawArrays{this, PreGlDrawArraysHooked};
+    GlDrawElementsInstancedFunctor mDrawElementsInstanced{this, PreGlDrawElementsInstancedHooked};
+    GlDrawElementsFunctor mDrawElements{this, PreGlDrawElementsHooked};
+    GlBindTextureFunctor mBindTexture{this, PreGlBindTextureHooked};
+    GlLabelObjectEXTFunctor mLabelObjectEXT{this, PreGlLabelObjectEXTHooked};
+    GlDeleteTexturesFunctor mDeleteTextures{this, PreGlDeleteTexturesHooked};
 };
 
 } // namespace android::orvel::app::module

@@ -1,9 +1,9 @@
 #include "app/games/sgame/OrvelSGameProcessor.h"
 
 #include "app/GlobalGlHooks.h"
-#include "app/LabelText.h"
 #include "app/games/sgame/OrvelSGameData.h"
 #include "app/games/sgame/OrvelSGameFilterModule.h"
+#include "base/LabelText.h"
 #include "base/OrvelGuard.h"
 #include "base/OrvelLog.h"
 #include "next/effects/OrvelVisualEffectManager.h"

@@ -1,10 +1,11 @@
 #include "app/games/sgame/OrvelSGameVRSModule.h"
 
 #include "app/GlobalGlHooks.h"
-#include "app/LabelText.h"
 #include "app/games/sgame/OrvelSGameProcessor.h"
+#include "base/LabelText.h"
 #include "base/OrvelGuard.h"
 #include "base/OrvelLog.h"
+#include "base/ShadingRateEnums.h"
 #include "next/OrvelNext.h"
 #include "settings/GameInfoMonitor.h"
 #include "settings/OrvelSettings.h"
@@ -14,11 +15,6 @@
 #include <cmath>
 #include <optional>
 #include <utility>
-
-#ifndef GL_FRAGMENT_SHADING_RATE_COMBINER_OP_KEEP_EXT // older system headers lack them
-#define GL_FRAGMENT_SHADING_RATE_COMBINER_OP_KEEP_EXT 0x96D2
-#define GL_FRAGMENT_SHADING_RATE_COMBINER_OP_MAX_EXT 0x96D5
-#endif
 
 namespace android::orvel::app::module {
 
@@ -45,7 +41,6 @@ constexpr uint64_t kSlowSettingsFrames = 30;
 constexpr uint64_t kSummaryFrames = 360;
 constexpr int32_t kPictureOn = 2;   // value of picture key 10
 constexpr int32_t kMostQuality = 2; // above it nothing is learnt and no rate set
-constexpr int32_t kLobbyScene = 4;  // the tuning service's scenes
 constexpr int32_t kFirstLearningScene = 5;
 constexpr GLsizei kMatrixVectors = 4;
 constexpr size_t kFourthColumn = 12;
@@ -93,30 +88,28 @@ void OrvelSGameVRSModule::RegisterGlobalModuleGLHooks(egl_connection_t* cnx) {
     table.glUniform4fv = GlobalGlUniform4fvHookFunctor<OrvelSGameProcessor>::GlUniform4fv;
 }
 
-/** The entries with a node of ours and a chain of the processor's, both of that name. */
-#define ORVEL_SGAME_VRS_NODES(X)                                                                                       \
-    X(LabelObjectEXT)                                                                                                  \
-    X(DrawArrays)                                                                                                      \
-    X(DrawElements)                                                                                                    \
-    X(DrawElementsInstanced)                                                                                           \
-    X(DrawArraysInstanced)                                                                                             \
-    X(BindTexture)                                                                                                     \
-    X(FramebufferTexture2D)                                                                                            \
-    X(FramebufferTexture2DMultisampleEXT)                                                                              \
-    X(BindFramebuffer)                                                                                                 \
-    X(Uniform4fv)                                                                                                      \
-    X(UseProgram)
+template <typename Operation>
+void OrvelSGameVRSModule::ForEachNode(Operation operation) {
+    OrvelSGameProcessor& processor = Processor();
+    operation(processor.mLabelObjectEXT, mLabelObjectEXT);
+    operation(processor.mDrawArrays, mDrawArrays);
+    operation(processor.mDrawElements, mDrawElements);
+    operation(processor.mDrawElementsInstanced, mDrawElementsInstanced);
+    operation(processor.mDrawArraysInstanced, mDrawArraysInstanced);
+    operation(processor.mBindTexture, mBindTexture);
+    operation(processor.mFramebufferTexture2D, mFramebufferTexture2D);
+    operation(processor.mFramebufferTexture2DMultisampleEXT, mFramebufferTexture2DMultisampleEXT);
+    operation(processor.mBindFramebuffer, mBindFramebuffer);
+    operation(processor.mUniform4fv, mUniform4fv);
+    operation(processor.mUseProgram, mUseProgram);
+}
 
 void OrvelSGameVRSModule::RegisterModuleFunctors() {
-#define ORVEL_INSTALL(Xxx) Processor().m##Xxx.Install(m##Xxx);
-    ORVEL_SGAME_VRS_NODES(ORVEL_INSTALL)
-#undef ORVEL_INSTALL
+    ForEachNode([](auto& chain, auto& node) { chain.Install(node); });
 }
 
 void OrvelSGameVRSModule::UnregisterModuleFunctors() {
-#define ORVEL_REMOVE(Xxx) Processor().m##Xxx.Remove(m##Xxx);
-    ORVEL_SGAME_VRS_NODES(ORVEL_REMOVE)
-#undef ORVEL_REMOVE
+    ForEachNode([](auto& chain, auto& node) { chain.Remove(node); });
 }
 
 // ---- the frame's end -----------------------------------------------------------------------------------------------
@@ -132,7 +125,7 @@ void OrvelSGameVRSModule::FrameEnd() {
         ReadSlowSettings();
     }
     UpdateMasks();
-    if (settings.getSceneId() == kLobbyScene) {
+    if (settings.getSceneId() == kServiceLobby) {
         ForgetBattle();
         if (has(mRegionMask, kSupported) && !mRateImage.TemplatesReady()) {
             mRateImage.initPerRegionPBOs(frame);
@@ -156,7 +149,7 @@ void OrvelSGameVRSModule::ReadSlowSettings() {
     mImageQuality = settings.getImageQuality();
     uint8_t draws = kSupported;
     uint8_t regions = mRegionMask & kSupported;
-    if (settings.getGameInfo()->mPicKey10.load(std::memory_order_relaxed) == kPictureOn) {
+    if (settings.getGameInfo()->mPicKey10 == kPictureOn) {
         draws |= kPicture;
         regions |= kPicture;
     }

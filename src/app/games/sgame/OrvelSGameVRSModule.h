@@ -80,6 +80,9 @@ private:
     using TextureRates = std::unordered_map<GLuint, GLenum>; // texture to rate; 0: none
 
     OrvelSGameProcessor& Processor() const;
+    /** Calls operation(chain, node) for each entry with a node of ours: the processor's chain and that node. */
+    template <typename Operation>
+    void ForEachNode(Operation operation);
 
     // The frame's end, in its order.
     void ReadSlowSettings();

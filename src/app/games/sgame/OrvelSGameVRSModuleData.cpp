@@ -1,9 +1,9 @@
 #include "app/games/sgame/OrvelSGameVRSModuleData.h"
 
-#include "app/ConfigText.h"
 #include "app/games/sgame/ShadingRateCodes.h"
 #include "base/OrvelLog.h"
 #include "base/OrvelParse.h"
+#include "settings/ConfigText.h"
 
 #include <algorithm>
 #include <array>

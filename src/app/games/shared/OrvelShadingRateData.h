@@ -3,6 +3,12 @@
 
 #include "app/OrvelProcessorDataBase.h"
 
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
 namespace android::orvel::app {
 
 /** Knows which extension functions each module needs; a shading-rate module stays while either extension is there. */

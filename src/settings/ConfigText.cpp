@@ -1,10 +1,11 @@
-#include "app/ConfigText.h"
+#include "settings/ConfigText.h"
 
 #include "base/OrvelLog.h"
+#include "base/OrvelParse.h"
 
 #include <json/value.h>
 
-namespace android::orvel::app {
+namespace android::orvel {
 
 std::optional<std::string> configText(const Json::Value& json, const char* key) {
     if (!json.isObject() || !json.isMember(key)) {
@@ -18,4 +19,8 @@ std::optional<std::string> configText(const Json::Value& json, const char* key) 
     return value.asString();
 }
 
-} // namespace android::orvel::app
+void logMalformed(const char* key, const std::string& text) {
+    ORVEL_LOGE("configuration of \"%s\" is malformed: \"%s\"", key, oneLine(text).c_str());
+}
+
+} // namespace android::orvel

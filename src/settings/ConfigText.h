@@ -6,9 +6,12 @@
 #include <optional>
 #include <string>
 
-namespace android::orvel::app {
+namespace android::orvel {
 
 /** @return the key's value as text; nothing when it is missing, or a list or an object, which is logged */
 std::optional<std::string> configText(const Json::Value& json, const char* key);
 
-} // namespace android::orvel::app
+/** Says that the key's text is no use. */
+void logMalformed(const char* key, const std::string& text);
+
+} // namespace android::orvel

@@ -6,7 +6,7 @@
 #include <cstring>
 #include <string_view>
 
-namespace android::orvel::app {
+namespace android::orvel {
 
 /**
  * @param length of label, which may end before it with a zero; 0 or less: label ends with a zero
@@ -19,4 +19,4 @@ inline std::string_view labelText(GLsizei length, const GLchar* label) {
     return {label, length > 0 ? strnlen(label, static_cast<size_t>(length)) : std::strlen(label)};
 }
 
-} // namespace android::orvel::app
+} // namespace android::orvel
