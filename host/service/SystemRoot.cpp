@@ -29,8 +29,10 @@ std::string firstWord(const std::string& path) {
 bool begin(const std::string& root, const char* name, const std::string& content) {
     const std::string path = root + kWatchedFolder + name;
     const std::string word = firstWord(path);
-    const bool isOwn = !word.empty() && (packageOf(root).find(word) != std::string::npos || word == kNobody);
-    if ((std::filesystem::exists(path) && (content.empty() || isOwn)) || rewrite(path, content)) {
+    const std::string package = packageOf(root);
+    const bool isOwn = !word.empty() && (package.find(word) != std::string::npos || word == kNobody);
+    const bool stays = content.empty() || package.empty() || isOwn;
+    if ((std::filesystem::exists(path) && stays) || rewrite(path, content)) {
         return true;
     }
     std::fprintf(stderr, "orvel: cannot write %s: %s\n", path.c_str(), std::strerror(errno));

@@ -126,9 +126,9 @@ void OrvelContextManager::MakeCurrentRenderContext(void* eglContext) {
 }
 
 void OrvelContextManager::MakeCurrentRenderContextThreadName(void* eglContext) {
+    SetSlot(nullptr); // should anything throw: EGL's context is made current all the same
     if (!mMainRenderContext && !mMainRenderContextChosen &&
         CheckIfMainRenderThreadName(configuration().mainThreadName)) {
-        SetSlot(nullptr); // should the next throw: the context is made current all the same
         if (OrvelRenderContext* const created = CreateAndStore(eglContext)) {
             mMainRenderContext = created;
             mMainRenderContextChosen = true;
@@ -147,12 +147,11 @@ void OrvelContextManager::MakeCurrentRenderContextPipeline(void* eglContext) {
         SetSlot(found);
         return;
     }
+    SetSlot(nullptr);                                            // as when a thread name decides
     const std::string& pattern = configuration().mainThreadName; // an empty one admits every thread
     if (mMainRenderContextChosen || (!pattern.empty() && !CheckIfMainRenderThreadName(pattern))) {
-        SetSlot(nullptr);
         return;
     }
-    SetSlot(nullptr); // as above
     SetSlot(CreateAndStore(eglContext));
 }
 

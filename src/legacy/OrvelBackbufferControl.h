@@ -10,8 +10,8 @@ struct ANativeWindow;
 namespace android::orvel {
 
 /**
- * One instance for the process. Windows arrive on the thread that makes the surface, everything else happens on the
- * rendering thread. In the games that are served both are the engine's main thread, so nothing is locked.
+ * One instance for the process. A window arrives on the thread that makes its surface and is looked at once for each
+ * resize; everything else happens on the rendering thread, so nothing is locked.
  */
 class OrvelBackbufferControl {
 public:

@@ -79,7 +79,9 @@ bool HasExtensions(const char* name) {
         lock.unlock(); // a driver may call the game from within our question
         const GLubyte* answer = platform.glGetString ? platform.glGetString(GL_EXTENSIONS) : nullptr;
         lock.lock();
-        extensions = answer ? reinterpret_cast<const char*>(answer) : " ";
+        if (extensions.empty()) { // else another thread was first
+            extensions = answer ? reinterpret_cast<const char*>(answer) : " ";
+        }
     }
     return extensions.find(name) != std::string::npos;
 }
