@@ -1,6 +1,7 @@
 // One game for each way in which the library serves a process, with every feature of it configured.
 #pragma once
 
+#include <ostream>
 #include <string>
 
 struct EveryGame {
@@ -28,6 +29,8 @@ inline constexpr char kEveryLegacyFeature[] =
         "dfi_interval": "50", "ys_scene_recognize": "1", "ys_transfer_recognize": "1", "ys_launch_recognize": "1",
         "hkrpg_scene_recognize": "1", "hp_transfer_recognize": "1", "shader_replace_config": "1",
         "tex_param_anisotropy": "2", "max_resolution": "320x180", "tex_size": "400x225", "shader_rate": "3"}})";
+
+inline void PrintTo(const EveryGame& game, std::ostream* out) { *out << game.name; }
 
 inline constexpr EveryGame kEveryGame[] = {
     {"sgame", "com.tencent.tmgp.sgame",

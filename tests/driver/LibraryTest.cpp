@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 
 #include <array>
+#include <ostream>
 #include <vector>
 
 using testing::HasSubstr;
@@ -99,6 +100,7 @@ struct Disabled {
     const char* configuration;
     const char* log; // a line that must be there
 };
+void PrintTo(const Disabled& row, std::ostream* out) { *out << row.name; }
 
 class UnservedGame : public testing::TestWithParam<Disabled> {};
 
