@@ -71,10 +71,12 @@ const char* environment(const char* name) {
 constexpr char kExt[] = "GL_EXT_fragment_shading_rate";
 constexpr char kQcom[] = "GL_QCOM_shading_rate";
 
-bool isOffered(const char* extension) {
+bool isOffered(const char* option, const char* extension) {
     const std::string offered = environment("ORVEL_SHADING_RATE");
-    return (offered == (extension == kExt ? "ext" : "qcom") || offered == "both") && !isHiddenExtension(extension);
+    return (offered == option || offered == "both") && !isHiddenExtension(extension);
 }
+bool isExtOffered() { return isOffered("ext", kExt); }
+bool isQcomOffered() { return isOffered("qcom", kQcom); }
 
 /** The state of one context; touched only by the thread on which it is current. */
 struct ContextState {
@@ -328,17 +330,17 @@ bool hasAllEntries(const GlTable& gl, const egl_t& egl) {
 } // namespace
 
 const char* offeredShadingRateExtensions() {
-    if (isOffered(kExt)) {
-        return isOffered(kQcom) ? "GL_QCOM_shading_rate GL_EXT_fragment_shading_rate" : kExt;
+    if (isExtOffered()) {
+        return isQcomOffered() ? "GL_QCOM_shading_rate GL_EXT_fragment_shading_rate" : kExt;
     }
-    return isOffered(kQcom) ? kQcom : "";
+    return isQcomOffered() ? kQcom : "";
 }
 
 void fillShadingRateEntries(GlTable* gl) {
-    if (isOffered(kQcom)) {
+    if (isQcomOffered()) {
         gl->glShadingRateQCOM = shadingRate;
     }
-    if (isOffered(kExt)) {
+    if (isExtOffered()) {
         gl->glShadingRateEXT = shadingRate;
         gl->glShadingRateCombinerOpsEXT = shadingRateCombinerOps;
         gl->glFramebufferShadingRateEXT = framebufferShadingRate;

@@ -7,6 +7,7 @@
 #include "base/OrvelPattern.h"
 #include "settings/OrvelSettings.h"
 
+#include <atomic>
 #include <sys/prctl.h>
 #include <system_error>
 #include <utility>

@@ -146,7 +146,7 @@ private:
         LOBBY_SCENE,
         HERO_SELECT_SCENE,
         HERO_SELECT_UI,
-        HERO_UI, // the interface of no scene; filled and pruned like the others, deliberately consulted by nobody
+        HERO_UI, // of the scene "other"; filled and pruned like the others, deliberately consulted by nobody
         BATTLE_SCENE,
         BATTLE_UI,
         TEXTURE_CLASS_COUNT,
